@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+// The process-wide variables of the driver. One instance, owned by the Engine
+// and handed by reference to whoever needs it; they survive from job to job.
+struct ModuleVariables {
+    QString ResultPath = QStringLiteral("Result"); // the job's result file
+    QString JobTag = QStringLiteral("Unknown");    // tag value of the job
+    QString DeviceLabel;                            // model and serial of the register
+    bool DebugEnabled = false;                      // communication log on
+    bool IgnoreOperatorBusy = false;                // operator status bit not a busy state
+    bool EftBusy = false;                           // a card payment is in progress
+    bool EftFallbackUsed = false;                   // the alternative payment replaced a card payment
+
+    // Read from param.ini at start only.
+    bool spRet = false;   // special returns folded with their mod line
+    bool cpDOS = false;   // print file texts are in the DOS code page
+    QString eMail;        // receiver of the Z file
+    int ZeMail = 0;       // 1: Z file after every Z report
+
+    // The link settings, [port] and [baud], re-read at every tick.
+    QString port;
+    QString baud;
+};
