@@ -21,6 +21,15 @@ public:
     // window that polls until the register clears.
     virtual void ShowDeviceMessage(qint16 status, const QString& reply) = 0;
 
+    // Opens the link named by [port] ("comN", a "/dev/" path, or address:port)
+    // and identifies the register; failures come back as status and text and
+    // have been shown to the operator unless quiet.
+    virtual void OpenDeviceLink(const QString& port, qint16& status, QString& reply, bool quiet) = 0;
+    virtual void CloseDeviceLink() = 0;
+    virtual bool isConnected() const = 0;
+    // True while the open link is TCP.
+    virtual bool tcpPort() const = 0;
+
     // The usual call: not quiet, the default ENQ wait, logged to the result file.
     void SendCommand(const QString& command, qint16& status, QString& reply, bool quiet = false,
                      int logMode = 0)
