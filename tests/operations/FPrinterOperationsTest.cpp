@@ -1,0 +1,340 @@
+#include "operations/FPrinterOperations.h"
+
+#include "PrintQString.h"
+#include "ScriptedLink.h"
+#include "ScriptedOperator.h"
+#include "operations/ReceiptState.h"
+#include "payments/PaymentMap.h"
+#include "shell/FormModel.h"
+#include "shell/ModuleVariables.h"
+#include "shell/ProgressIndicator.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct RecordingTables final : TableRoads {
+    QList<clsTable> stored, returned, moved;
+    QList<QPair<double, qint16>> settled;
+    qint32 clearResult = 0;
+    int clears = 0;
+    void storeSoldItem(const clsTable& item, const QString&, const QString&) override { stored << item; }
+    void removeReturnedItem(const clsTable& item, const QString&, const QString&) override { returned << item; }
+    void moveItem(const clsTable& item) override { moved << item; }
+    void settleTable(double amount, qint16 payment) override { settled.append({amount, payment}); }
+    qint32 clearOrderStore() override
+    {
+        ++clears;
+        return clearResult;
+    }
+};
+
+struct RecordingCards final : CardRoads {
+    QList<PayEftRecord> records;
+    QStringList tags;
+    void payInReceipt(const PayEftRecord& record, double, const QString&, const QString& tag) override
+    {
+        records << record;
+        tags << tag;
+    }
+};
+
+class FPrinterOperationsTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    ScriptedLink link;
+    ScriptedOperator op;
+    ReceiptState state;
+    ModuleVariables vars;
+    FormModel form;
+    clsind progress{form};
+    RecordingTables tables;
+    RecordingCards cards;
+    FPrinterOperations printer{link, state, vars, op, form, progress, dir.filePath("payeft.dat")};
+
+    void SetUp() override
+    {
+        printer.setTableRoads(tables);
+        printer.setCardRoads(cards);
+    }
+
+    void write(const QString& text, const QString& operation, QVariant a = {}, QVariant b = {},
+               QVariant c = {})
+    {
+        printer.FPrinterWrite(text, a, b, c, operation);
+    }
+
+    void sell(const QString& description, double price, double qty, double vat = 13, int dep = 1)
+    {
+        state.ItemPrice = price;
+        state.ItemQty = qty;
+        write(description, "plu", price, vat, dep);
+    }
+};
+
+TEST_F(FPrinterOperationsTest, OperationsWithoutArgumentsSendTheirCommand)
+{
+    const QList<QPair<QString, QStringList>> cases = {
+        {"initialize", {"?/"}},         {"receiptread", {"?/"}},      {"sut", {"?/"}},
+        {"DrawerNo", {"I/0/0"}},        {"DrawerYes", {"I/1/0"}},     {"pot", {"6/1/"}},
+        {"roa", {"6/0/"}},              {"hea", {"E/"}},              {"comE", {"m/", "k/0/0"}},
+        {"voidAll", {"+/"}},            {"fr", {"w/1/1/"}},           {"fj", {"w/2/1/"}},
+        {"ns", {"L/"}},                 {"0X", {"x/1/1/99999/"}},     {"2X", {"x/2/1/"}},
+        {"8X", {"x/6/1/"}},             {"6X", {"x/8/1/99999/"}},     {"5ZP", {"z/1/2600/"}},
+        {"foo_delete", {"F/0/./0/./0/./0/./0/./0/./"}},
+        {"disC", {}},                   {"PLU", {}},                  {"nonsense", {}},
+    };
+    for (const auto& [name, expected] : cases) {
+        link.sent.clear();
+        write("ignored", name);
+        EXPECT_EQ(link.commands(), expected) << name.toStdString();
+    }
+    EXPECT_TRUE(op.messages.isEmpty());
+}
+
+TEST_F(FPrinterOperationsTest, RawCommandsGoOutUntouchedAndOnlyPrgRawIsQuiet)
+{
+    write("x/abc/De/", "prg");
+    write("d/3/", "prgRaw");
+    ASSERT_EQ(link.sent.size(), 2);
+    EXPECT_EQ(link.sent[0].command, "x/abc/De/");
+    EXPECT_FALSE(link.sent[0].quiet);
+    EXPECT_EQ(link.sent[1].command, "d/3/");
+    EXPECT_TRUE(link.sent[1].quiet);
+}
+
+TEST_F(FPrinterOperationsTest, SaleDescriptionsAreSplitCappedAndCleaned)
+{
+    sell("coffee/tea", 2.5, 1);
+    sell("ABCDEFGHIJKLMNOPQRST", 1, 1);           // 20: the second stays empty
+    sell("ABCDEFGHIJKLMNOPQRSTU", 1, 1);          // 21: the second starts at 16
+    sell(QString(60, 'x'), 1, 1);
+    sell("", 0, 0, 0, 3);
+    EXPECT_EQ(link.commands(), QStringList({
+                                   "3/S/COFFEE-TEA//1.000/2.50/1/13.00/",
+                                   "3/S/ABCDEFGHIJKLMNO//1.000/1.00/1/13.00/",
+                                   "3/S/ABCDEFGHIJKLMNO/PQRSTU/1.000/1.00/1/13.00/",
+                                   "3/S/XXXXXXXXXXXXXXX/" + QString(30, 'X') + "/1.000/1.00/1/13.00/",
+                                   "3/S///0.000/0.00/3/0.00/",
+                               }));
+    EXPECT_TRUE(tables.stored.isEmpty()); // no table in hand
+}
+
+TEST_F(FPrinterOperationsTest, ASaleOnATableIsStoredWithTheRegistersIdentifierAndOrder)
+{
+    state.setCurrentTable(12);
+    state.TableMode = 1;
+    link.queue.push_back({0, "0/00/00/4711/3/"});
+    sell("Souvlaki", 3.5, 2, 13, 4);
+    ASSERT_EQ(tables.stored.size(), 1);
+    const clsTable& item = tables.stored[0];
+    EXPECT_EQ(item.itemDesc(), QStringLiteral("SOUVLAKI").leftJustified(24));
+    EXPECT_EQ(item.itemUID, 4711);
+    EXPECT_EQ(item.tableORDER, 3);
+    EXPECT_EQ(item.TableNUM, 12);
+    EXPECT_EQ(item.itemDep, 4);
+    EXPECT_DOUBLE_EQ(item.itemQuantity, 2);
+    EXPECT_DOUBLE_EQ(item.itemVatRate, 13);
+
+    link.queue.push_back({44, "paper"});
+    sell("Souvlaki", 3.5, 2);
+    EXPECT_EQ(tables.stored.size(), 1); // a refused sale is not stored
+}
+
+TEST_F(FPrinterOperationsTest, NegativeLinesReturnOrWaitAccordingToTheTableMode)
+{
+    sell("milk", -1.2, 2);
+    EXPECT_EQ(link.commands(), QStringList({"3/R/MILK//2.000/1.20/1/13.00/"}));
+    sell("milk", 1.2, -2);
+    EXPECT_EQ(link.commands().last(), "3/R/MILK//2.000/1.20/1/13.00/");
+    EXPECT_DOUBLE_EQ(state.ItemQty, 2); // overwritten with its absolute value
+
+    link.sent.clear();
+    state.TableMode = 1;
+    state.setCurrentTable(4);
+    state.StoreZ = 88;
+    sell("wine", -7, 1, 24, 2);
+    EXPECT_TRUE(link.sent.isEmpty());
+    ASSERT_EQ(state.PendingVoids.size(), 1);
+    EXPECT_DOUBLE_EQ(state.PendingVoids[0].itemPrice, 7);
+    EXPECT_EQ(state.PendingVoids[0].zNumber, 88);
+    EXPECT_EQ(state.PendingVoids[0].TableNUM, 4);
+
+    state.TableMode = 2;
+    state.TableFrom = 4;
+    sell("wine", -7, 1);
+    sell("wine", 7, 1);
+    EXPECT_TRUE(link.sent.isEmpty());
+    ASSERT_EQ(tables.moved.size(), 1);
+    EXPECT_EQ(tables.moved[0].TableNUM, 4);
+}
+
+TEST_F(FPrinterOperationsTest, DiscountSignDecidesTheTypeAndOverwritesTheCallersValues)
+{
+    state.DiscountScope = 1;
+    QVariant a = -5, b = 1, c = 1;
+    printer.FPrinterWrite("member discount card", a, b, c, "dis");
+    EXPECT_EQ(link.commands(), QStringList({"4/5.00//MEMBER DISCOUNT/0/1/1/"}));
+    EXPECT_EQ(a.toDouble(), 5.0);
+    EXPECT_EQ(b.toInt(), 0);
+
+    a = 2.5;
+    b = 1;
+    c = 0;
+    state.DiscountScope = 0;
+    printer.FPrinterWrite("extra", a, b, c, "dis");
+    EXPECT_EQ(link.commands().last(), "4/2.50//EXTRA/1/0/0/");
+
+    link.sent.clear();
+    state.TableMode = 1;
+    write("table discount", "dis", -3.5, 0, 1);
+    EXPECT_TRUE(link.sent.isEmpty());
+    EXPECT_DOUBLE_EQ(state.tableDiscount(), 3.5);
+}
+
+TEST_F(FPrinterOperationsTest, OrdinaryPaymentClosesTheReceiptWithItsOwnText)
+{
+    vars.EftBusy = true;
+    QVariant a = 12.345, b = 2, c = QString("A/17");
+    printer.FPrinterWrite("Cash/Μετρητά", a, b, c, "tot");
+    EXPECT_EQ(link.commands(), QStringList({"5/2/12.35/Cash-Μετρητά//////"}));
+    EXPECT_EQ(c.toString(), "A-17");
+    EXPECT_TRUE(state.PaymentDone);
+    EXPECT_FALSE(vars.EftBusy);
+    EXPECT_TRUE(op.messages.isEmpty()); // a missing map is an empty one
+    EXPECT_TRUE(cards.records.isEmpty());
+}
+
+TEST_F(FPrinterOperationsTest, CardPaymentsTakeTheCardRoadAndUnreadableMapsPayPlainly)
+{
+    PayEftRecord card;
+    card.payId = 3;
+    card.ecrPayment = 5;
+    card.ecrEft = 1;
+    card.active = -1;
+    ASSERT_EQ(WritePayEftRecord(dir.filePath("payeft.dat"), card), 0);
+    write("VISA", "tot", 10.0, 3, QString("T1"));
+    EXPECT_TRUE(link.sent.isEmpty());
+    ASSERT_EQ(cards.records.size(), 1);
+    EXPECT_EQ(cards.records[0].ecrPayment, 5);
+    EXPECT_EQ(cards.tags[0], "T1");
+
+    write("cash", "tot", 10.0, 0, QString("T1")); // payment number 0 cannot be read
+    ASSERT_EQ(op.messages.size(), 1);
+    EXPECT_EQ(op.messages[0].title, "Μύνημα Kerbano");
+    EXPECT_EQ(op.messages[0].text, "Αδυναμία ανάγνωσης παραμέτρων πληρωμών");
+    EXPECT_EQ(link.commands(), QStringList({"5/0/10.00/cash//////"}));
+}
+
+TEST_F(FPrinterOperationsTest, PaymentOnATableIsSettledByTheTableFlow)
+{
+    state.TableMode = 2;
+    write("cash", "tot", 20.0, 1, QString("T"));
+    EXPECT_TRUE(link.sent.isEmpty());
+    ASSERT_EQ(tables.settled.size(), 1);
+    EXPECT_EQ(tables.settled[0], qMakePair(20.0, qint16(1)));
+}
+
+TEST_F(FPrinterOperationsTest, CommentsSkipBlanksTakeAStyleAndMarkCommentsAfterTheTotal)
+{
+    write("   ", "com");
+    write("   ", "comItem", {}, {}, 2);
+    EXPECT_TRUE(link.sent.isEmpty());
+
+    write("thank you", "com", {}, {}, 3);
+    write("x", "comItem", {}, {}, 7);
+    write("y", "comItem", {}, {}, QString("abc"));
+    EXPECT_EQ(link.commands(), QStringList({"7/1/3/THANK YOU/", "7/1/1/X/", "7/1/1/Y/"}));
+    EXPECT_FALSE(state.CommentAfterTotal);
+
+    state.PaymentDone = true;
+    write("   ", "comItemmoError", {}, {}, 2);
+    EXPECT_EQ(link.sent.last().command, "7/1/2/   /");
+    EXPECT_TRUE(link.sent.last().quiet);
+    EXPECT_FALSE(state.CommentAfterTotal);
+
+    write("after", "comItem");
+    EXPECT_TRUE(state.CommentAfterTotal);
+}
+
+TEST_F(FPrinterOperationsTest, TrailerFeedsOnlyAfterACommentFollowedTheTotal)
+{
+    write("", "frt");
+    EXPECT_TRUE(link.sent.isEmpty());
+    state.CommentAfterTotal = true;
+    write("", "frt");
+    EXPECT_EQ(link.commands(), QStringList({"w/1/8/", "w/1/8/", "w/1/8/"}));
+}
+
+TEST_F(FPrinterOperationsTest, FooterIsCutIntoFourLinesOfThirtyTwo)
+{
+    write(QString(32, 'a') + "ευχαριστούμε/πολύ", "foo");
+    write("", "foo");
+    EXPECT_EQ(link.commands(),
+              QStringList({"j/" + QString(32, 'A') + "/ΕΥΧΑΡΙΣΤΟΥΜΕ-ΠΟΛΥ/././////", "j/././././////"}));
+}
+
+TEST_F(FPrinterOperationsTest, DailyZStopsWhenTheRegisterRefusesTheClosing)
+{
+    for (qint16 refusal : {qint16(70), qint16(195)}) {
+        link.sent.clear();
+        link.queue.push_back({refusal, "no"});
+        write("", "0Z");
+        EXPECT_EQ(link.commands(), QStringList({"x/7///"}));
+        EXPECT_EQ(state.LastStatus, refusal);
+    }
+    EXPECT_EQ(tables.clears, 0);
+}
+
+TEST_F(FPrinterOperationsTest, DailyZPollsUntilTheFlashTransferEndsThenClearsTheStore)
+{
+    link.queue.push_back({79, "busy"}); // any other refusal still goes on to the polls
+    link.queue.push_back({0, ""});
+    tables.clearResult = -2; // no rows: no failure
+    write("", "0Z");
+    EXPECT_EQ(link.commands(), QStringList({"x/7///", "?/"}));
+    EXPECT_TRUE(link.sent[1].quiet);
+    EXPECT_EQ(progress.Value(), 21);
+    EXPECT_EQ(form.lblProgr(), " Ολοκληρώθηκε το 100%");
+    EXPECT_EQ(tables.clears, 1);
+    EXPECT_EQ(form.comstattxt(), "Αναμονή για μεταφορά σε flash ");
+
+    tables.clearResult = -3;
+    write("", "0Z");
+    EXPECT_EQ(form.comstattxt(), "Πρόβλημα στην διαγραφή των τραπεζιών!");
+}
+
+TEST_F(FPrinterOperationsTest, DailyZGivesUpAfterThirtyOnePollsAndLeavesTheStore)
+{
+    link.responder = [](const QString& command, ScriptedLink::Answer& answer) {
+        if (command != "?/")
+            return false;
+        answer = {-4, "silent"};
+        return true;
+    };
+    write("", "0Z");
+    ASSERT_EQ(link.sent.size(), 32);
+    for (int i = 1; i < 31; ++i)
+        EXPECT_TRUE(link.sent[i].quiet);
+    EXPECT_FALSE(link.sent[31].quiet);
+    EXPECT_EQ(link.shownMessages.size(), 1);
+    EXPECT_EQ(state.LastStatus, -4);
+    EXPECT_EQ(tables.clears, 0);
+    EXPECT_EQ(progress.Value(), 0);
+}
+
+TEST_F(FPrinterOperationsTest, RefusedReportsOnlyTellTheOperator)
+{
+    vars.DeviceLabel = "ΑΒ 123";
+    state.LastStatus = 9;
+    for (const char* name : {"2Z", "8Z", "6Z", "5Z", "0ZP", "2ZP", "8ZP", "6ZP"})
+        write("", name);
+    EXPECT_TRUE(link.sent.isEmpty());
+    ASSERT_EQ(op.messages.size(), 8);
+    EXPECT_EQ(op.messages[0].text, "Αδύνατο Ισοζύγειο!!");
+    EXPECT_EQ(op.messages[0].title, "Μήνυμα Ταμειακής (ΑΒ 123)");
+    EXPECT_EQ(state.LastStatus, 9);
+}
+
+} // namespace
