@@ -1,0 +1,141 @@
+#include "tables/DepartmentLookup.h"
+#include "tables/MDocData.h"
+#include "tables/MTable.h"
+
+#include "PrintQString.h"
+#include "ScriptedLink.h"
+#include "config/VatFile.h"
+#include "tables/ClsTable.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QLocale kGreek(QLocale::Greek, QLocale::Greece);
+const QLocale kEnglish(QLocale::English, QLocale::UnitedStates);
+
+// A register that knows one receipt and one table with two items.
+bool answerRegister(const QString& command, ScriptedLink::Answer& a)
+{
+    if (command == "9/")
+        a = {0, "0/00/00/x/x/x/x/x/42/18.60/x/"};
+    else if (command == "i/")
+        a = {0, "0/00/00/x/x/12/1012/"};
+    else if (command == "&/11/7//0/0///////////")
+        a = {0, "0/00/00/7/3|x|x|x|4.50/5|x|x|x|10.25/"};
+    else
+        return false;
+    return true;
+}
+
+TEST(DocumentModel, BuildsTheDocumentFromTheRegistersAnswers)
+{
+    for (const QLocale& locale : {kGreek, kEnglish}) {
+        ScriptedLink link;
+        link.responder = answerRegister;
+        mDocData doc(link, locale);
+        const clsDocData d = doc.BuildDocData(7);
+        EXPECT_EQ(d.tableNumber, 7);
+        EXPECT_EQ(d.recNumberDaily, 42);
+        EXPECT_DOUBLE_EQ(d.recAmount, 18.6);
+        EXPECT_EQ(d.recNumberProgr, 1000 + 42);
+        EXPECT_DOUBLE_EQ(d.ordAmount, 14.75);
+        EXPECT_EQ(d.ordNumber, 5);
+        EXPECT_EQ(doc.ReadTableAmount(7), locale == kGreek ? "14,75" : "14.75");
+        EXPECT_DOUBLE_EQ(doc.ReadRemainingAmount(), 18.6);
+    }
+}
+
+TEST(DocumentModel, ARegisterThatRefusesEverythingYieldsMinusOneAndZero)
+{
+    ScriptedLink link;
+    link.responder = [](const QString&, ScriptedLink::Answer& a) {
+        a = {-4, "silent"};
+        return true;
+    };
+    mDocData doc(link);
+    const clsDocData d = doc.BuildDocData(7);
+    EXPECT_EQ(d.recNumberDaily, -1);
+    EXPECT_EQ(d.recNumberProgr, -1);
+    EXPECT_EQ(d.recAmount, 0.0);
+    EXPECT_EQ(d.ordAmount, 0.0);
+    EXPECT_EQ(d.ordNumber, -1);
+    EXPECT_EQ(doc.ReadRemainingAmount(), 0.0);
+    EXPECT_EQ(link.commands(),
+              QStringList({"9/", "i/", "&/11/7//0/0///////////", "&/11/7//0/0///////////", "9/"}));
+}
+
+TEST(DocumentModel, NoTableMeansNoTableQuery)
+{
+    ScriptedLink link;
+    link.responder = answerRegister;
+    mDocData doc(link);
+    const clsDocData d = doc.BuildDocData(0);
+    EXPECT_EQ(d.ordAmount, 0.0);
+    EXPECT_EQ(d.ordNumber, -1);
+    EXPECT_EQ(link.commands(), QStringList({"9/", "i/"}));
+}
+
+TEST(DocumentModel, AReceiptNumberThatIsNoNumberIsNotRead)
+{
+    ScriptedLink link;
+    link.queue.push_back({0, "0/00/00/"}); // too few fields
+    mDocData doc(link);
+    EXPECT_EQ(doc.ReadReceiptTotals(), -1);
+    link.queue.push_back({0, "0/00/00/x/x/5/abc/"});
+    EXPECT_EQ(doc.ReadProgressiveBase(), -1);
+    link.queue.push_back({0, "0/00/00/4/"});
+    EXPECT_EQ(doc.ReadTableAmount(3), "0.00"); // an empty table
+}
+
+TEST(TableHeader, TitlesAreRightAlignedInTwoLines)
+{
+    ScriptedLink link;
+    qint16 status = 0;
+    QString reply;
+    ProgramTableHeader(link, 5, "ABCDE~1234567", status, reply);
+    ProgramTableHeader(link, 5, "", status, reply);
+    ProgramTableHeader(link, 5, QString(21, 'A'), status, reply);
+    ProgramTableHeader(link, 5, "A~" + QString(33, 'B'), status, reply);
+    ProgramTableHeader(link, 5, "a/b", status, reply);
+    EXPECT_EQ(link.commands(),
+              QStringList({"\"/0/5/1/" + QString(15, ' ') + "ABCDE/" + QString(25, ' ') + "1234567/",
+                           "\"/0/5/1/ / /", "\"/0/5/1/*/ /",
+                           "\"/0/5/1/" + QString(19, ' ') + "A/*/",
+                           "\"/0/5/1/" + QString(17, ' ') + "a-b/ /"}));
+
+    link.queue.push_back({44, "paper"});
+    ProgramTableHeader(link, 5, "x", status, reply);
+    EXPECT_EQ(status, 44);
+    EXPECT_EQ(PadLeftTo("ab", 5, "#"), "#  ab");
+}
+
+TEST(TableItem, DescriptionHasAFixedWidthOf24)
+{
+    clsTable item;
+    item.setItemDesc(QString(30, 'x'));
+    EXPECT_EQ(item.itemDesc(), QString(24, 'x'));
+    item.setItemDesc("abcde");
+    EXPECT_EQ(item.itemDesc(), "abcde" + QString(19, ' '));
+}
+
+TEST(DepartmentLookup, DescriptionAndRateOfTheCategoryItNames)
+{
+    QTemporaryDir dir;
+    const QString vats = dir.filePath("vats.dat");
+    ASSERT_EQ(WriteVatsFile(vats, {24, 13, 6.5, 0, 0, 0}), 0);
+    ScriptedLink link;
+    link.queue.push_back({0, "0/00/00/ ΑΡΤΟΣ /3/"});
+    const clsDepartmentInfo info = ReadDepartment(link, 4, vats, kGreek);
+    EXPECT_EQ(link.commands(), QStringList({"d/4"}));
+    EXPECT_EQ(info.Result, 0);
+    EXPECT_EQ(info.DepNumber, 4);
+    EXPECT_EQ(info.DepDesc, "ΑΡΤΟΣ");
+    EXPECT_DOUBLE_EQ(info.DepVatRate, 6.5);
+
+    link.queue.push_back({12, "unknown"});
+    EXPECT_EQ(ReadDepartment(link, 99, vats).Result, -1);
+}
+
+} // namespace
