@@ -1,0 +1,124 @@
+#include "SimRegister.h"
+
+#include "StateStore.h"
+#include "shell/Clock.h"
+#include "shell/CodePage.h"
+
+#include <QFile>
+
+namespace {
+constexpr int kMaxCommandBytes = 4096;
+constexpr int kTooLongCode = 0x02;
+
+void appendUtf8(const QString& path, const QString& text)
+{
+    if (path.isEmpty())
+        return;
+    QFile f(path);
+    if (f.open(QIODevice::WriteOnly | QIODevice::Append))
+        f.write(text.toUtf8());
+}
+} // namespace
+
+SimRegister::SimRegister(const Options& options, Clock& clock)
+    : options_(options)
+    , clock_(clock)
+    , memory_(RegisterMemory::factory())
+    , model_(memory_)
+{
+    if (!options_.stateDir.isEmpty())
+        statestore::load(options_.stateDir, memory_, &lastError_);
+    if (!options_.modelPrefix.isEmpty())
+        memory_.modelPrefix = options_.modelPrefix;
+    if (!options_.serialDigits.isEmpty())
+        memory_.serialDigits = options_.serialDigits;
+}
+
+bool SimRegister::loadFaults(const QString& scriptText, QString* error)
+{
+    if (!faults_.parse(scriptText, error))
+        return false;
+    for (const QString& card : faults_.queuedCards())
+        model_.queueCardOutcome(card);
+    return true;
+}
+
+bool SimRegister::answerEnq()
+{
+    return !faults_.swallowEnq(received_ + 1, lastCommand_);
+}
+
+SimRegister::Response SimRegister::handle(const QByteArray& raw)
+{
+    Response out;
+    const int n = ++received_;
+    QString command = codepage::fromWin1253(raw.left(kMaxCommandBytes));
+    command.remove(QLatin1Char('\r')).remove(QLatin1Char('\n')).remove(QChar(0));
+    lastCommand_ = command;
+    const FaultEffect e = faults_.effectFor(n, command);
+    out.drop = e.drop;
+    if (e.silent) {
+        journal(command, QStringLiteral("(silent)"));
+        return out;
+    }
+    if (e.nack) {
+        out.nack = true;
+        journal(command, QStringLiteral("<NACK>"));
+        return out;
+    }
+    for (const QString& card : e.cards)
+        model_.queueCardOutcome(card);
+
+    QString reply;
+    if (raw.size() > kMaxCommandBytes) {
+        reply = QStringLiteral("%1/00/00/").arg(kTooLongCode, 2, 16, QLatin1Char('0')).toUpper();
+    } else if (e.code >= 0) {
+        reply = QStringLiteral("%1/00/00/").arg(e.code, 2, 16, QLatin1Char('0')).toUpper();
+    } else {
+        const EcrModel::Outcome o = model_.execute(command, clock_.now());
+        reply = o.reply;
+        print(o.printed);
+        persist();
+    }
+    if (e.status1 || e.status2) {
+        const int s1 = reply.mid(3, 2).toInt(nullptr, 16) | e.status1;
+        const int s2 = reply.mid(6, 2).toInt(nullptr, 16) | e.status2;
+        reply = reply.left(3) + QStringLiteral("%1").arg(s1, 2, 16, QLatin1Char('0')).toUpper() + QLatin1Char('/') +
+                QStringLiteral("%1").arg(s2, 2, 16, QLatin1Char('0')).toUpper() + reply.mid(8);
+    }
+    if (e.lostReply || e.drop) {
+        journal(command, reply + (e.drop ? QStringLiteral(" (dropped)") : QStringLiteral(" (lost)")));
+        return out;
+    }
+    journal(command, reply);
+    out.reply = codepage::toWin1253(reply);
+    out.delayMs = e.delayMs;
+    if (e.splitMs >= 0) {
+        out.splitAt = static_cast<int>(out.reply.size() / 2);
+        out.splitMs = e.splitMs;
+    }
+    return out;
+}
+
+void SimRegister::noteBadFrame(const QByteArray& frame)
+{
+    journal(codepage::fromWin1253(frame), QStringLiteral("<NACK> (check digits)"));
+}
+
+void SimRegister::journal(const QString& command, const QString& reply)
+{
+    appendUtf8(options_.journalPath, command + QStringLiteral(" -> ") + reply + QLatin1Char('\n'));
+}
+
+void SimRegister::print(const QStringList& lines)
+{
+    if (lines.isEmpty())
+        return;
+    appendUtf8(options_.tapePath, lines.join(QLatin1Char('\n')) + QLatin1Char('\n'));
+}
+
+void SimRegister::persist()
+{
+    if (!options_.stateDir.isEmpty() && !statestore::save(options_.stateDir, memory_, &lastError_))
+        qWarning("kerbano-ecr-sim: %s", qPrintable(lastError_));
+}

@@ -1,0 +1,199 @@
+#include "FaultScript.h"
+#include "SerialWire.h"
+#include "SimRegister.h"
+#include "SimTransport.h"
+#include "shell/Clock.h"
+#include "shell/CodePage.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QThread>
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+QByteArray frame(const QByteArray& text)
+{
+    return "\x02" + text + QByteArray::number(SerialWire::checkDigits(text)).rightJustified(2, '0') + "\x03";
+}
+
+TEST(SerialWireTest, CheckDigitsFollowTheByteSumThenModulo100)
+{
+    EXPECT_EQ(SerialWire::checkDigits("?/"), 10);
+    EXPECT_EQ(SerialWire::checkDigits("a/"), 44);
+    EXPECT_EQ(SerialWire::checkDigits("x/1/1/99999/"), 79);
+    EXPECT_EQ(SerialWire::checkDigits("z/1/2600/"), 0);
+    EXPECT_EQ(SerialWire::checkDigits(" ?/ "), 10); // outer blanks are not summed
+}
+
+TEST(SerialWireTest, AnswersEnqFramesAndNacksWrongDigitsAmidNoise)
+{
+    VirtualClock clock;
+    SimRegister reg({}, clock);
+    SimTransport t(reg, SimTransport::Wire::Serial, clock);
+    t.write("\x05");
+    EXPECT_EQ(t.read(255), QByteArray("\x06"));
+    t.write(QByteArray("\x00\x00garbage", 9) + frame("?/"));
+    EXPECT_EQ(t.read(255), QByteArray("\x02" "00/00/00/" "\x03"));
+    t.write("\x06\x05");
+    t.read(255);
+    t.write("\x02?/11\x03");
+    EXPECT_EQ(t.read(255), QByteArray("\x15"));
+    t.write(QByteArray(10000, 'A'));
+    t.read(255);
+    EXPECT_EQ(reg.commandsReceived(), 1); // the bad frame and the flood executed nothing
+    t.write(frame(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/")));
+    EXPECT_EQ(t.read(255), QByteArray("\x02" "00/00/10/" "\x03"));
+}
+
+TEST(SimTransportTest, IdleReadRunsTheClockAndTcpRepliesArePlain)
+{
+    VirtualClock clock;
+    SimRegister reg({}, clock);
+    SimTransport t(reg, SimTransport::Wire::Tcp, clock);
+    EXPECT_TRUE(t.read(255).isEmpty());
+    EXPECT_EQ(clock.monotonicMs(), SimTransport::kIdleReadMs);
+    t.write("a/");
+    EXPECT_TRUE(t.waitForData(0));
+    EXPECT_EQ(t.read(2048), QByteArray("00/00/00/00012345/1/DNT/"));
+}
+
+TEST(FaultScriptTest, ScriptedFaultsShapeTheReplies)
+{
+    VirtualClock clock;
+    SimRegister reg({}, clock);
+    QString error;
+    ASSERT_TRUE(reg.loadFaults("# demo\n"
+                               "1: paperend\n"
+                               "2: silent\n"
+                               "/^9\\// x1: split 500\n"
+                               "4: drop\n"
+                               "5: code 1A\n"
+                               "card POS IS BUSY\n",
+                               &error))
+        << qPrintable(error);
+    SimTransport t(reg, SimTransport::Wire::Tcp, clock);
+    t.write("?/");
+    EXPECT_EQ(t.read(2048), QByteArray("00/04/00/"));
+    t.write("?/");
+    EXPECT_FALSE(t.waitForData(10000));
+    t.write("9/");
+    const QByteArray first = t.read(2048);
+    EXPECT_FALSE(first.isEmpty());
+    EXPECT_FALSE(t.waitForData(100));
+    EXPECT_TRUE(t.waitForData(1000));
+    EXPECT_EQ(first + t.read(2048), QByteArray("00/00/00/0/0/0.00/0.00/0.00/0/0.00/0/"));
+    t.write("?/");
+    EXPECT_TRUE(t.waitForData(0));
+    EXPECT_TRUE(t.read(2048).isEmpty());
+    EXPECT_TRUE(t.peerClosed());
+
+    SimTransport again(reg, SimTransport::Wire::Tcp, clock);
+    again.write("?/");
+    EXPECT_EQ(again.read(2048), QByteArray("1A/00/00/"));
+    again.write(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/4.00/1/24.00/"));
+    again.read(2048);
+    again.write("5/2/4.00////1/1/");
+    again.read(2048);
+    again.write("5/99/0/ ///1/1/");
+    EXPECT_TRUE(again.read(2048).endsWith("/POS IS BUSY/"));
+
+    FaultScript bad;
+    EXPECT_FALSE(bad.parse("3: explode\n", &error));
+    EXPECT_FALSE(bad.parse("/unterminated: nack\n", &error));
+}
+
+TEST(StateTest, MemorySurvivesARestartAndAnOpenReceiptStaysOpen)
+{
+    QTemporaryDir dir;
+    VirtualClock clock;
+    {
+        SimRegister reg({dir.path(), {}, {}, {}, {}}, clock);
+        reg.handle(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/"));
+        reg.handle("5/1/1.00///////");
+        reg.handle(codepage::toWin1253("&/0/12//////////////"));
+        reg.handle(codepage::toWin1253("3/S/ΚΑΦΕΣ//1.000/2.00/1/24.00/"));
+    }
+    SimRegister reg({dir.path(), {}, {}, {}, QStringLiteral("777")}, clock);
+    EXPECT_EQ(reg.memory().progressive, 1);
+    EXPECT_EQ(reg.memory().tables[12].items.size(), 1);
+    EXPECT_EQ(reg.handle("a/").reply, QByteArray("00/00/10/777/1/DNT/"));
+    // a torn write leaves a temporary file behind, never a broken memory
+    QFile torn(dir.filePath("register.state.tmp"));
+    ASSERT_TRUE(torn.open(QIODevice::WriteOnly));
+    torn.write("half");
+    torn.close();
+    SimRegister after({dir.path(), {}, {}, {}, {}}, clock);
+    EXPECT_EQ(after.memory().tables[12].items.size(), 1);
+}
+
+// The real executable, on a real socket and a real pseudo-terminal.
+class RealWires : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QProcess sim;
+
+    void start(const QStringList& args)
+    {
+        sim.setProgram(QStringLiteral(KERBANO_BIN_DIR "/kerbano-ecr-sim"));
+        sim.setArguments(args + QStringList{"--journal", dir.filePath("journal.txt"), "--tape", dir.filePath("tape.txt")});
+        sim.setProcessChannelMode(QProcess::MergedChannels);
+        sim.start();
+        ASSERT_TRUE(sim.waitForStarted());
+        ASSERT_TRUE(sim.waitForReadyRead(5000)); // "ready"
+    }
+    void TearDown() override
+    {
+        sim.kill();
+        sim.waitForFinished();
+    }
+};
+
+TEST_F(RealWires, TcpExchangeAndJournal)
+{
+    const quint16 port = 20000 + static_cast<quint16>(::getpid() % 20000);
+    start({"--tcp", QStringLiteral("127.0.0.1:%1").arg(port)});
+    QTcpSocket s;
+    s.connectToHost(QStringLiteral("127.0.0.1"), port);
+    ASSERT_TRUE(s.waitForConnected(3000));
+    s.write("a/");
+    ASSERT_TRUE(s.waitForReadyRead(3000));
+    EXPECT_EQ(s.readAll(), QByteArray("00/00/00/00012345/1/DNT/"));
+    QFile j(dir.filePath("journal.txt"));
+    ASSERT_TRUE(j.open(QIODevice::ReadOnly));
+    EXPECT_EQ(j.readAll(), QByteArray("a/ -> 00/00/00/00012345/1/DNT/\n"));
+}
+
+TEST_F(RealWires, PtyExchange)
+{
+    const QString link = dir.filePath("ecr");
+    start({"--pty", link, "--baud", "9600"});
+    const int fd = ::open(QFile::encodeName(link).constData(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(fd, 0);
+    auto readUntil = [&](char last) {
+        QByteArray got;
+        pollfd p{fd, POLLIN, 0};
+        while ((got.isEmpty() || got.back() != last) && ::poll(&p, 1, 3000) > 0) {
+            char buf[256];
+            const ssize_t n = ::read(fd, buf, sizeof buf);
+            if (n <= 0)
+                break;
+            got.append(buf, static_cast<int>(n));
+        }
+        return got;
+    };
+    ASSERT_EQ(::write(fd, "\x05", 1), 1);
+    EXPECT_EQ(readUntil('\x06'), QByteArray("\x06"));
+    const QByteArray f = frame("?/");
+    ASSERT_EQ(::write(fd, f.constData(), f.size()), f.size());
+    EXPECT_EQ(readUntil('\x03'), QByteArray("\x02" "00/00/00/" "\x03"));
+    ::close(fd);
+}
+
+} // namespace
