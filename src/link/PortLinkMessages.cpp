@@ -1,0 +1,76 @@
+// What the operator sees of a device status: the message box, or the
+// device-wait window (frmErr) that polls the register until it clears.
+#include "link/DeviceStatusClass.h"
+#include "link/LinkLogStamp.h"
+#include "link/PortLink.h"
+#include "operations/LinkCommands.h"
+#include "shell/CommunicationLog.h"
+#include "shell/ModuleVariables.h"
+#include "shell/Operator.h"
+
+namespace {
+
+constexpr qint16 kStatusOperatorBusy = 251;
+constexpr qint16 kStatusNoEnqAnswer = -207;
+
+bool isEftStatus(qint16 status)
+{
+    return status == 193 || status == 200 || status == 207;
+}
+
+QString pollStateLine(qint16 status)
+{
+    if (status == kStatusNoEnqAnswer)
+        return QStringLiteral("Περιμένετε [%1]").arg(status);
+    if (isEftStatus(status))
+        return QStringLiteral("Αναμονή EFTPOS[%1]").arg(status);
+    return QStringLiteral("Status [%1]").arg(status);
+}
+
+} // namespace
+
+void PortLink::ShowDeviceMessage(qint16 status, const QString& reply)
+{
+    if (!IsWaitStatus(status)) {
+        const QString shown = reply.left(kMessageWidth).leftJustified(kMessageWidth, u' ');
+        op_.message(vars_.DeviceLabel,
+                    QStringLiteral("Λάθος : ") + QString::number(status) + u'\r' + shown,
+                    Operator::Icon::Critical, Operator::Buttons::Ok);
+        return;
+    }
+    // A second window is refused silently: the caller goes on as if it had closed.
+    if (waitFormOpen_)
+        return;
+    runWaitWindow(status, reply);
+}
+
+void PortLink::runWaitWindow(qint16 status, const QString& reply)
+{
+    const QString caption = QStringLiteral("Μήνυμα Ταμειακής (%1)").arg(vars_.DeviceLabel);
+    const QString stateLine = status == 193 ? QStringLiteral("Αναμονή EFTPOS[%1]").arg(status)
+                                            : QStringLiteral("Status [%1]").arg(status);
+    op_.openWaitWindow(caption, stateLine, reply);
+    waitFormOpen_ = true;
+
+    // One poll at a time: the next tick comes only after the last has ended.
+    for (;;) {
+        WaitPumping(kPollIntervalMs);
+        if (op_.waitWindowClosedByOperator())
+            break;
+        qint16 pollStatus = 0;
+        QString pollReply;
+        qint16 timeoutSeconds = vars_.EftBusy ? kPollWaitSecondsEft : kPollWaitSeconds;
+        SendCommand(linkcmd::StatusProbe(), pollStatus, pollReply, true, timeoutSeconds,
+                    kLogModeProbe);
+        if (pollStatus == 0)
+            break;
+        if (pollStatus == kStatusOperatorBusy) {
+            log_.PrintCombine(LinkLogStamp(clock_) + QStringLiteral(" open Receipt, wait 10s"));
+            WaitPumping(kOperatorBusyPauseMs);
+            continue;
+        }
+        op_.updateWaitWindow(pollStateLine(pollStatus), pollReply);
+    }
+    op_.closeWaitWindow();
+    waitFormOpen_ = false;
+}

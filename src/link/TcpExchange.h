@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+class Clock;
+class CommunicationLog;
+class clsNet_TCP;
+
+// One command over TCP: the plain text, a wait of up to 10 seconds for
+// anything to arrive, the first read taken as the whole reply. At most four
+// sends; a peer that closes ends it at once.
+class TcpExchange {
+public:
+    static constexpr int kBeforeSendMs = 10;
+    static constexpr int kAfterPaymentSendMs = 200;
+    static constexpr int kReplyWaitMs = 10000;
+    static constexpr int kMaxSends = 4;
+    static constexpr int kMaxReplyBytes = 2049;
+
+    static constexpr qint16 kStatusNoReply = -4;
+
+    TcpExchange(clsNet_TCP& net, Clock& clock, CommunicationLog& log);
+
+    void run(const QString& command, qint16& status, QString& reply, bool ignoreOperatorBusy);
+
+private:
+    bool waitForReply(qint64 deadline);
+    void log(const QString& text);
+
+    clsNet_TCP& net_;
+    Clock& clock_;
+    CommunicationLog& log_;
+};

@@ -1,0 +1,303 @@
+#include "FakeTransport.h"
+
+#include "link/SerialExchange.h"
+#include "link/SerialFrame.h"
+#include "link/TcpExchange.h"
+#include "link/clsNet_TCP.h"
+#include "shell/CommunicationLog.h"
+#include "shell/ModuleVariables.h"
+#include "ScriptedOperator.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QByteArray kEnq(1, 0x05);
+const QByteArray kAck(1, 0x06);
+const QByteArray kNack(1, 0x15);
+QByteArray replyFrame(const QByteArray& text) { return "\x02" + text + "\x03"; }
+
+class SerialExchangeTest : public ::testing::Test {
+protected:
+    SerialExchangeTest() { vars.DebugEnabled = true; }
+
+    // A register that answers each ENQ with ACK after 5 ms; frameReply decides
+    // what follows the n-th frame (from 1).
+    void device(std::function<void(int frame)> frameReply)
+    {
+        port.onWrite = [this, frameReply](const QByteArray& w) {
+            if (w == kEnq)
+                port.deliver(kAck, 5);
+            else if (w.startsWith('\x02'))
+                frameReply(++frames);
+        };
+    }
+    void run(const QString& command)
+    {
+        SerialExchange(port, clock, log).run(FrameCommand(command), status, reply, timeout, false);
+    }
+    QByteArray logBytes() const
+    {
+        QFile f(log.filePath());
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+
+    VirtualClock clock;
+    ModuleVariables vars;
+    QTemporaryDir dir;
+    CommunicationLog log{dir.path(), vars};
+    FakeTransport port{clock};
+    int frames = 0;
+    qint16 status = 99;
+    QString reply;
+    qint16 timeout = 0;
+};
+
+TEST_F(SerialExchangeTest, StatusPollGoesOutFramedAndIsAcknowledged)
+{
+    device([this](int) { port.deliver(replyFrame("00/00/00/"), 30); });
+    run("?/");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/");
+    ASSERT_GE(port.writes.size(), 3);
+    EXPECT_EQ(port.writes[0].bytes, kEnq);
+    EXPECT_EQ(port.writes[1].bytes, QByteArray("\x02?/10\x03"));
+    // 50 ms after ENQ, then one read that ends after 20 ms of silence.
+    EXPECT_EQ(port.writes[1].atMs - port.writes[0].atMs, 50 + 20);
+    EXPECT_EQ(port.writes[2].bytes, kAck);
+    EXPECT_EQ(timeout, 3);
+    // The log keeps STX and ETX as bytes, each line with its mm:ss stamp.
+    const QByteArray logged = logBytes();
+    EXPECT_TRUE(logged.contains("20:30 send:     \x02?/10\x03\r\n"));
+    EXPECT_TRUE(logged.contains("20:30 reply     00/00/00/\r\n"));
+    EXPECT_TRUE(logged.contains("20:30 exres     00/00/00/\r\n20:30 -----------\r\n"));
+}
+
+TEST_F(SerialExchangeTest, SilentLineGivesNoEnqAnswerAfterThreeSecondsAndNoFrame)
+{
+    run("?/");
+    EXPECT_EQ(status, -207);
+    EXPECT_EQ(reply, "Αναμονή Απόκρισης Ταμειακής...");
+    EXPECT_TRUE(port.writesStartingWith('\x02').isEmpty());
+    // Deadline and drain: past 3 s, and no more than the last read's 256 ms later.
+    EXPECT_GT(clock.monotonicMs(), 3000);
+    EXPECT_LT(clock.monotonicMs(), 3500 + 256);
+}
+
+TEST_F(SerialExchangeTest, LongerEnqWaitIsHonoured)
+{
+    timeout = 301;
+    run("5/3/1.00////1/1/");
+    EXPECT_EQ(status, -207);
+    EXPECT_GT(clock.monotonicMs(), 301000);
+    EXPECT_LT(clock.monotonicMs(), 302000);
+}
+
+TEST_F(SerialExchangeTest, RegisterThatNeverRepliesGetsFourFramesThreeSecondsApart)
+{
+    device([](int) {});
+    run("?/");
+    EXPECT_EQ(status, -4);
+    EXPECT_EQ(reply, "Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
+    QList<qint64> enqAt, frameAt;
+    for (const auto& w : port.writes)
+        (w.bytes == kEnq ? enqAt : frameAt) << w.atMs;
+    ASSERT_EQ(enqAt.size(), 4);
+    ASSERT_EQ(frameAt.size(), 4);
+    for (int i = 1; i < 4; ++i) {
+        EXPECT_EQ(frameAt[i] - enqAt[i], 50) << i; // the old ENQ answer stands
+        EXPECT_NEAR(double(frameAt[i] - frameAt[i - 1]), 3050.0, 300.0) << i;
+    }
+}
+
+TEST_F(SerialExchangeTest, ReplyInPiecesIsCollectedUntilEtx)
+{
+    device([this](int) {
+        port.deliver("\x02" "00/00", 100);
+        port.deliver("/00/9", 400);
+        port.deliver("/\x03", 900);
+    });
+    run("?/");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/9/");
+    EXPECT_EQ(frames, 1);
+}
+
+TEST_F(SerialExchangeTest, ReplyCompletedAfterThreeSecondsCountsAsLost)
+{
+    device([this](int n) {
+        if (n == 1) {
+            port.deliver("\x02" "00/00/00/", 100);
+            port.deliver("\x03", 3300);
+        } else {
+            port.deliver(replyFrame("06/00/00/"), 30);
+        }
+    });
+    run("?/");
+    EXPECT_EQ(frames, 2);
+    // The late pieces stay in the buffer ahead of the second reply.
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(SerialExchangeTest, EtxThatIsNotTheLastByteDoesNotEndTheWait)
+{
+    device([this](int n) {
+        port.deliver(n == 1 ? QByteArray("\x02" "00/00/00/\x03X") : QByteArray("\x03"), 30);
+    });
+    run("?/");
+    EXPECT_EQ(frames, 2);
+    EXPECT_EQ(reply, "00/00/00/X");
+}
+
+TEST_F(SerialExchangeTest, NackIsNoAnswerAndTheFrameGoesOutAgain)
+{
+    device([this](int n) {
+        port.deliver(n == 1 ? kNack : "\x02" "00/\x06" "00/00/\x15\x03", 30);
+    });
+    run("?/");
+    EXPECT_EQ(frames, 2);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/");
+}
+
+TEST_F(SerialExchangeTest, LongFrameGoesOutInPiecesOf255)
+{
+    device([this](int) { port.deliver(replyFrame("00/00/00/"), 30); });
+    const QString command = QString(296, u'Α');
+    SerialExchange(port, clock, log).run(FrameCommand(command), status, reply, timeout, false);
+    ASSERT_GE(port.writes.size(), 3);
+    EXPECT_EQ(port.writes[1].bytes.size(), 255);
+    EXPECT_EQ(port.writes[2].bytes.size(), 45);
+    EXPECT_EQ(uchar(port.writes[1].bytes.at(1)), 0xC1);
+}
+
+TEST_F(SerialExchangeTest, LeftoverBytesAreDrainedAndLogged)
+{
+    device([this](int) {
+        port.deliver(replyFrame("00/00/00/"), 30);
+        port.deliver(kAck + "Z", 60);
+    });
+    run("?/");
+    EXPECT_TRUE(logBytes().contains(" Buf       <ACK>Z\r\n"));
+}
+
+class TcpExchangeTest : public ::testing::Test {
+protected:
+    TcpExchangeTest()
+    {
+        vars.DebugEnabled = true;
+        net.RemoteHostIP = "127.0.0.1";
+        net.RemotePort = 9101;
+    }
+    FakeTransport& open()
+    {
+        EXPECT_EQ(net.OpenConnection(), 0);
+        return *factory.made.back();
+    }
+    void run(const QString& command) { TcpExchange(net, clock, log).run(command, status, reply, false); }
+
+    VirtualClock clock;
+    ModuleVariables vars;
+    QTemporaryDir dir;
+    CommunicationLog log{dir.path(), vars};
+    ScriptedOperator op;
+    FakeFactory factory{clock};
+    clsNet_TCP net{factory, log, clock, op, vars};
+    qint16 status = 99;
+    QString reply;
+};
+
+TEST_F(TcpExchangeTest, PlainCommandAndReplyWithoutFrameOrAck)
+{
+    FakeTransport& t = open();
+    t.onWrite = [&t](const QByteArray&) { t.deliver("\x02" "00/00/00/\x03", 5); };
+    run("?/");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/");
+    ASSERT_EQ(t.writes.size(), 1);
+    EXPECT_EQ(t.writes[0].bytes, QByteArray("?/"));
+    EXPECT_EQ(t.writes[0].atMs, 10);
+}
+
+TEST_F(TcpExchangeTest, PaymentCommandWaits200MsAfterSending)
+{
+    FakeTransport& t = open();
+    t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/"); };
+    run("?/");
+    const qint64 poll = clock.monotonicMs();
+    run("5/1/0.00////");
+    EXPECT_EQ(clock.monotonicMs() - poll, poll + 200);
+}
+
+TEST_F(TcpExchangeTest, SplitReplyFirstPieceIsTheReplyAndTheRestGoesToTheNextCommand)
+{
+    FakeTransport& t = open();
+    t.deliver("00/00/00/", 20);
+    t.deliver("06/00/00/", 200);
+    run("?/");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/");
+    run("?/");
+    EXPECT_EQ(status, 6);
+}
+
+TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySeconds)
+{
+    FakeTransport& t = open();
+    run("?/");
+    EXPECT_EQ(status, -4);
+    EXPECT_EQ(reply, "Ο Φορολ. Μηχανισμός δεν Απαντά σε εντολή !");
+    EXPECT_EQ(t.writes.size(), 4);
+    EXPECT_NEAR(double(clock.monotonicMs()), 40000.0, 2100.0);
+}
+
+TEST_F(TcpExchangeTest, PeerThatClosesEndsAtOnceWithoutResend)
+{
+    FakeTransport& t = open();
+    t.closeAtMs = 1000;
+    run("?/");
+    EXPECT_EQ(status, -4);
+    EXPECT_EQ(t.writes.size(), 1);
+    EXPECT_LT(clock.monotonicMs(), 1100);
+}
+
+TEST_F(TcpExchangeTest, FailedSendReopensTheConnection)
+{
+    FakeTransport& broken = open();
+    broken.failWrites = true;
+    factory.script = [](FakeTransport& t) {
+        t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/"); };
+    };
+    run("?/");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(factory.tcpConnects, 2);
+    EXPECT_TRUE(op.messages.isEmpty());
+    QFile f(log.filePath());
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(f.readAll().contains(" reOpen TCP: 0\r\n"));
+}
+
+TEST_F(TcpExchangeTest, SendThatFailsFourTimesTellsTheOperator)
+{
+    open().failWrites = true;
+    factory.nextStatus = -6;
+    vars.DeviceLabel = "Delta [DNT1]";
+    TcpExchange(net, clock, log).run("?/", status, reply, false);
+    EXPECT_EQ(status, -4);
+    EXPECT_EQ(factory.tcpConnects, 1 + 4 * 4);
+    ASSERT_EQ(op.messages.size(), 4);
+    EXPECT_EQ(op.messages[0].title, "Delta [DNT1]");
+    EXPECT_EQ(op.messages[0].text, "Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)");
+}
+
+TEST_F(TcpExchangeTest, NothingBeyond2049BytesIsTaken)
+{
+    FakeTransport& t = open();
+    t.deliver("00/00/00/" + QByteArray(3000, 'x'));
+    run("?/");
+    EXPECT_EQ(reply.size(), 2049);
+}
+
+} // namespace

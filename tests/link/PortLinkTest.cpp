@@ -1,0 +1,265 @@
+#include "FakeTransport.h"
+#include "ScriptedOperator.h"
+
+#include "link/PortLink.h"
+#include "link/WaitForRegister.h"
+#include "shell/CommunicationLog.h"
+#include "shell/FormModel.h"
+#include "shell/ModuleVariables.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <deque>
+#include <gtest/gtest.h>
+
+namespace {
+
+// A register behind a TCP link: each command is answered from its own queue of
+// replies (the last one repeats); commands without a queue get "00/00/00/".
+class PortLinkTest : public ::testing::Test {
+protected:
+    PortLinkTest()
+    {
+        vars.DebugEnabled = true;
+        vars.ResultPath = dir.filePath("Result");
+        vars.baud = "9600";
+        factory.script = [this](FakeTransport& t) {
+            t.onWrite = [this, &t](const QByteArray& w) {
+                if (w.size() == 1 && w.at(0) == 0x05) { // serial ENQ
+                    t.deliver("\x06", 5);
+                    return;
+                }
+                QByteArray command = w;
+                if (command.startsWith('\x02'))
+                    command = command.mid(1, command.size() - 4);
+                sent << QString::fromLatin1(command);
+                t.deliver(answerFor(QString::fromLatin1(command)).toLatin1() + "\x03", 5);
+            };
+        };
+    }
+    QString answerFor(const QString& command)
+    {
+        auto& q = replies[command];
+        if (q.empty())
+            return "00/00/00/";
+        const QString a = q.front();
+        if (q.size() > 1)
+            q.pop_front();
+        return a;
+    }
+    void openTcp()
+    {
+        link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
+        ASSERT_EQ(status, 0);
+        sent.clear();
+    }
+    void send(const QString& command, bool quiet = false, int logMode = 0)
+    {
+        qint16 timeout = 0;
+        link.SendCommand(command, status, reply, quiet, timeout, logMode);
+    }
+    QByteArray resultFile() const
+    {
+        QFile f(vars.ResultPath);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+
+    VirtualClock clock;
+    ModuleVariables vars;
+    QTemporaryDir dir;
+    CommunicationLog log{dir.path(), vars};
+    ScriptedOperator op;
+    FormModel form;
+    FakeFactory factory{clock};
+    PortLink link{vars, clock, op, form, factory, log};
+    std::map<QString, std::deque<QString>> replies;
+    QStringList sent;
+    qint16 status = 99;
+    QString reply;
+};
+
+TEST_F(PortLinkTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
+{
+    openTcp();
+    replies["3/S/A//1.000/1.00/1/24.00/"] = {"2C/00/00/", "00/00/00/"};
+    replies["?/"] = {"2C/00/00/", "00/00/00/"};
+    send("3/S/A//1.000/1.00/1/24.00/");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(sent, QStringList({"3/S/A//1.000/1.00/1/24.00/", "?/", "?/",
+                                 "3/S/A//1.000/1.00/1/24.00/"}));
+    ASSERT_GE(op.waitEvents.size(), 3);
+    EXPECT_EQ(op.waitEvents[0].caption, "Μήνυμα Ταμειακής (" + vars.DeviceLabel + ")");
+    EXPECT_EQ(op.waitEvents[0].stateLine, "Status [44]");
+    EXPECT_EQ(op.waitEvents[0].description, "Τέλος Χαρτοταινίας  'PAPEREND' !");
+    EXPECT_EQ(op.waitEvents.back().kind, ScriptedOperator::WaitEvent::Close);
+    EXPECT_FALSE(link.WaitFormOpen());
+    EXPECT_TRUE(resultFile().isEmpty());
+}
+
+TEST_F(PortLinkTest, QuietCommandReturnsAtOnceWithNothingShownOrResent)
+{
+    openTcp();
+    replies["x/7///"] = {"2C/00/00/"};
+    send("x/7///", true, 1);
+    EXPECT_EQ(status, 44);
+    EXPECT_EQ(sent, QStringList({"x/7///"}));
+    EXPECT_TRUE(op.waitEvents.isEmpty());
+    EXPECT_TRUE(op.messages.isEmpty());
+}
+
+TEST_F(PortLinkTest, BusyStatusBitWaitsButIsNotResent)
+{
+    openTcp();
+    replies["5/1/2.00////"] = {"00/01/00/"};
+    send("5/1/2.00////");
+    EXPECT_EQ(status, 252);
+    EXPECT_EQ(sent, QStringList({"5/1/2.00////", "?/"}));
+    EXPECT_TRUE(resultFile().startsWith("Err = 252, [5/1/2.00////] DateTime = 02/01/2026 10:20:"));
+}
+
+TEST_F(PortLinkTest, RefusalShowsFortyCharactersUnderTheDeviceLabelAndLogsTheResult)
+{
+    openTcp();
+    replies["q/"] = {"06/00/00/"};
+    send("q/");
+    EXPECT_EQ(status, 6);
+    ASSERT_EQ(op.messages.size(), 1);
+    EXPECT_EQ(op.messages[0].title, vars.DeviceLabel);
+    EXPECT_EQ(op.messages[0].text, "Λάθος : 6\r" + QString("Λάθος Εντολή !").leftJustified(40));
+    EXPECT_EQ(op.messages[0].icon, Operator::Icon::Critical);
+    EXPECT_TRUE(resultFile().endsWith("\r\n"));
+
+    link.ShowDeviceMessage(-4, "Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
+    EXPECT_EQ(op.messages[1].text, "Λάθος : -4\rΟ Φορολ. Εκτυπωτής δεν Απαντά σε εντολή ");
+
+    const QByteArray before = resultFile();
+    send("q/", false, 1);
+    send("q/", false, 2);
+    EXPECT_EQ(resultFile(), before);
+}
+
+TEST_F(PortLinkTest, OperatorClosingTheWindowCountsAsCleared)
+{
+    openTcp();
+    replies["3/S/X"] = {"1A/00/00/", "00/00/00/"};
+    op.closeWaitWindowAfterChecks = 0;
+    send("3/S/X");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(sent, QStringList({"3/S/X", "3/S/X"}));
+}
+
+TEST_F(PortLinkTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds)
+{
+    openTcp();
+    replies["5/3/9.00///1/1/"] = {"C1/00/00/"};
+    replies["?/"] = {"CF/00/00/", "00/00/04/", "00/00/00/"};
+    send("5/3/9.00///1/1/", false, 2);
+    EXPECT_EQ(op.waitEvents[0].stateLine, "Αναμονή EFTPOS[193]");
+    EXPECT_EQ(op.waitEvents[1].stateLine, "Αναμονή EFTPOS[207]");
+    EXPECT_EQ(op.waitEvents.size(), 3); // open, one update, close: 251 touched nothing
+    EXPECT_GE(clock.monotonicMs(), 3 * 2000 + 10000);
+    QFile f(log.filePath());
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(f.readAll().contains(" open Receipt, wait 10s\r\n"));
+}
+
+TEST_F(PortLinkTest, SerialErrLineCarriesTheFrameAndTimeoutZeroBecomesThree)
+{
+    link.OpenDeviceLink("com1", status, reply, false);
+    ASSERT_EQ(status, 0);
+    EXPECT_EQ(factory.lastDevice, "/dev/ttyS0");
+    EXPECT_FALSE(link.tcpPort());
+    replies["q/"] = {"06/00/00/"};
+    qint16 timeout = 0;
+    link.SendCommand("q/", status, reply, true, timeout, 0);
+    EXPECT_EQ(timeout, 3);
+    EXPECT_TRUE(resultFile().startsWith("Err = 6, [\x02q/60\x03] DateTime = "));
+}
+
+TEST_F(PortLinkTest, OpenFailuresGiveStatusAndText)
+{
+    factory.nextStatus = -1;
+    link.OpenDeviceLink("com1", status, reply, false);
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(reply, "Πρόβλημα στην Θύρα :com1");
+    EXPECT_EQ(op.messages.back().title, "Μύνημα Kerbano");
+    factory.nextStatus = -2;
+    link.OpenDeviceLink("COM2", status, reply, false);
+    EXPECT_EQ(reply, "Πρόβλημα στο Set-Up τής Θύρας :COM2");
+    factory.nextStatus = -6;
+    link.OpenDeviceLink("10.0.0.9:9101", status, reply, false);
+    EXPECT_EQ(status, -6);
+    EXPECT_EQ(reply, "Λάθος κατά την σύνδεση με την ταμειακή ");
+    EXPECT_FALSE(link.isConnected());
+
+    const int shown = op.messages.size();
+    link.OpenDeviceLink("10.0.0.9", status, reply, false);
+    EXPECT_EQ(status, PortLink::kStatusBadPortSetting);
+    EXPECT_FALSE(reply.isEmpty());
+    EXPECT_EQ(op.messages.size(), shown);
+    EXPECT_FALSE(link.isConnected());
+}
+
+TEST_F(PortLinkTest, IdentificationNamesTheModelAndProbesTheEdition)
+{
+    replies["a/"] = {"00/00/00/123/x/DNT/"};
+    replies["\"/0/290/1/Kerbano V11.12//"] = {"06/00/00/"};
+    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(form.label2(), "Delta [DNT123]");
+    EXPECT_EQ(vars.DeviceLabel, "Delta [DNT123]");
+    EXPECT_TRUE(vars.spRet);
+
+    link.CloseDeviceLink();
+    replies.erase("\"/0/290/1/Kerbano V11.12//");
+    sent.clear();
+    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
+    EXPECT_EQ(form.label2(), "Delta Rest [DNT123]");
+    EXPECT_FALSE(vars.spRet);
+    EXPECT_EQ(sent, QStringList({"a/", "\"/0/290/1/Kerbano V11.12//", "&/0/290//////////////",
+                                 "5/1/0.00////"}));
+}
+
+TEST_F(PortLinkTest, ModelsWithoutEditionsSendNoProbe)
+{
+    replies["a/"] = {"00/00/00/77/x/CCQ/"};
+    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
+    EXPECT_EQ(form.label2(), "Mirka [CCQ77]");
+    EXPECT_EQ(sent, QStringList({"a/"}));
+
+    link.CloseDeviceLink();
+    replies["a/"] = {"00/00/00/77/x/ccq/"};
+    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
+    EXPECT_EQ(form.label2(), "Ταμειακή [ccq77]");
+}
+
+TEST_F(PortLinkTest, FailedIdentificationClosesTheLink)
+{
+    replies["a/"] = {"06/00/00/"};
+    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
+    EXPECT_EQ(status, 6);
+    EXPECT_FALSE(link.isConnected());
+    EXPECT_EQ(form.label2(), "...");
+}
+
+TEST_F(PortLinkTest, WaitForRegisterReleasesAReceiptThatAnswers70)
+{
+    openTcp();
+    replies["5/1/0.00////"] = {"1A/00/00/", "46/00/00/"};
+    EXPECT_EQ(WaitForRegister(link, op, clock), 0);
+    EXPECT_EQ(sent, QStringList({"5/1/0.00////", "5/1/0.00////", ")/15/", ")/71/", ")/15/",
+                                 ")/15/"}));
+    EXPECT_EQ(op.waitEvents.first().caption, "Μήνυμα Ταμειακής (Αναμονή ολοκλήρωσης ταμειακής)");
+    EXPECT_EQ(op.waitEvents.last().kind, ScriptedOperator::WaitEvent::Close);
+}
+
+TEST_F(PortLinkTest, VersionInfoOpensAsksAndClosesAgain)
+{
+    vars.port = "127.0.0.1:9101";
+    replies["v/"] = {"00/00/00/POS 2.1/P 7/"};
+    link.Ver();
+    EXPECT_FALSE(link.isConnected());
+    EXPECT_EQ(op.messages.back().text, "Version POS                : POS 2.1\rVersion Πρωτοκόλλου : P 7");
+}
+
+} // namespace

@@ -1,0 +1,174 @@
+#include "link/PortLink.h"
+#include "link/QtTransportFactory.h"
+#include "link/SerialExchange.h"
+#include "link/SerialFrame.h"
+#include "link/SerialTransport.h"
+#include "shell/Clock.h"
+#include "shell/CommunicationLog.h"
+#include "shell/FormModel.h"
+#include "shell/ModuleVariables.h"
+#include "ScriptedOperator.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <pty.h>
+#include <sys/socket.h>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+// Reads from fd until the collected bytes end with `last`.
+QByteArray readUntil(int fd, char last)
+{
+    QByteArray got;
+    char c;
+    while (::read(fd, &c, 1) == 1) {
+        got += c;
+        if (c == last)
+            break;
+    }
+    return got;
+}
+
+TEST(RealSerialLine, ExchangeOverAPseudoTerminal)
+{
+    int master = -1, slave = -1;
+    char name[128] = {};
+    ASSERT_EQ(openpty(&master, &slave, name, nullptr, nullptr), 0);
+    termios raw{};
+    tcgetattr(slave, &raw);
+    cfmakeraw(&raw);
+    tcsetattr(slave, TCSANOW, &raw);
+
+    SerialTransport port;
+    ASSERT_EQ(port.open(QString::fromLatin1(name), "9600"), 0);
+    std::thread device([master] {
+        const QByteArray enq = readUntil(master, 0x05);
+        ::write(master, "\x06", 1);
+        const QByteArray frame = readUntil(master, 0x03);
+        if (frame.endsWith("\x02?/10\x03"))
+            ::write(master, "\x02" "00/", 4), ::usleep(5000), ::write(master, "00/00/\x03", 7);
+        readUntil(master, 0x06);
+    });
+    RealClock clock;
+    ModuleVariables vars;
+    QTemporaryDir dir;
+    CommunicationLog log(dir.path(), vars);
+    qint16 status = 99, timeout = 0;
+    QString reply;
+    SerialExchange(port, clock, log).run(FrameCommand("?/"), status, reply, timeout, false);
+    device.join();
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/");
+    // A quiet line: the read gives up empty.
+    EXPECT_TRUE(port.read(255).isEmpty());
+    port.close();
+    ::close(slave);
+    ::close(master);
+}
+
+// A one-connection register on the loopback: answers each command with the
+// next reply, or closes the connection when the reply is empty.
+class LoopbackRegister {
+public:
+    explicit LoopbackRegister(QList<QByteArray> replies)
+    {
+        listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in a{};
+        a.sin_family = AF_INET;
+        a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        // The link opens ports up to 32767 only, below the usual ephemeral range.
+        for (int p = 20000 + ::getpid() % 10000; port_ == 0 && p < 32767; ++p) {
+            a.sin_port = htons(quint16(p));
+            if (::bind(listener_, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0)
+                port_ = quint16(p);
+        }
+        ::listen(listener_, 1);
+        thread_ = std::thread([this, replies] {
+            const int fd = ::accept(listener_, nullptr, nullptr);
+            char buf[256];
+            bool hangUp = false;
+            for (const QByteArray& r : replies) {
+                hangUp = r.isEmpty();
+                if (::read(fd, buf, sizeof buf) <= 0 || hangUp)
+                    break;
+                ::write(fd, r.constData(), r.size());
+            }
+            // A register that has said all it had stays on the line until the driver hangs up.
+            while (!hangUp && ::read(fd, buf, sizeof buf) > 0) {
+            }
+            ::close(fd);
+        });
+    }
+    ~LoopbackRegister()
+    {
+        thread_.join();
+        ::close(listener_);
+    }
+    QString port() const { return QStringLiteral("127.0.0.1:%1").arg(port_); }
+
+private:
+    int listener_ = -1;
+    quint16 port_ = 0;
+    std::thread thread_;
+};
+
+class RealTcpLink : public ::testing::Test {
+protected:
+    RealClock clock;
+    ModuleVariables vars;
+    QTemporaryDir dir;
+    CommunicationLog log{dir.path(), vars};
+    ScriptedOperator op;
+    FormModel form;
+    QtTransportFactory factory;
+    PortLink link{vars, clock, op, form, factory, log};
+    qint16 status = 99;
+    QString reply;
+};
+
+TEST_F(RealTcpLink, OpensIdentifiesAndExchanges)
+{
+    LoopbackRegister reg({"00/00/00/55/x/FFP/", "00/00/00/7/"});
+    link.OpenDeviceLink(reg.port(), status, reply, false);
+    ASSERT_EQ(status, 0);
+    EXPECT_EQ(form.label2(), "Arcadia Net [FFP55]");
+    link.SendCommand("i/", status, reply, true);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/7/");
+    link.CloseDeviceLink();
+}
+
+TEST_F(RealTcpLink, PeerThatClosesGivesNoReplyAtOnce)
+{
+    LoopbackRegister reg({"00/00/00/1/x/DCX/", ""});
+    link.OpenDeviceLink(reg.port(), status, reply, false);
+    ASSERT_EQ(status, 0);
+    const qint64 start = clock.monotonicMs();
+    link.SendCommand("?/", status, reply, true, 1);
+    EXPECT_EQ(status, -4);
+    EXPECT_LT(clock.monotonicMs() - start, 5000);
+    link.CloseDeviceLink();
+}
+
+TEST_F(RealTcpLink, RefusedConnectionIsStatusMinusSix)
+{
+    QString port;
+    {
+        LoopbackRegister reg({});
+        port = reg.port();
+        QtTransportFactory f;
+        qint16 s = 0;
+        f.connectTcp("127.0.0.1", port.section(':', 1).toUShort(), s); // lets the register end
+    }
+    link.OpenDeviceLink(port, status, reply, true);
+    EXPECT_EQ(status, -6);
+    EXPECT_EQ(reply, "Λάθος κατά την σύνδεση με την ταμειακή ");
+}
+
+} // namespace
