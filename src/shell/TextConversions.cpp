@@ -6,7 +6,7 @@
 #include <cmath>
 
 namespace {
-// The OEM conversion of the original went through a buffer of this size.
+// The DOS conversion works through a buffer of this size; the rest is cut.
 constexpr int kDecodeBufferLength = 255;
 
 const QString kAccented = QStringLiteral("άΆέΈήΉίΊόΌύΎώΏ");

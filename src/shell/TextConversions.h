@@ -16,6 +16,6 @@ QString CleanDeviceText(const QString& text);
 qint16 TableNumberOfText(const QString& text);
 
 // Print files written by DOS programs carry code page 737. The conversion runs
-// when [cpDOS   ] is on or the text begins with "d"/"D" (as the original did),
+// when [cpDOS   ] is on or the text begins with "d"/"D" (a DOS-marked line),
 // works through a buffer of 255 characters and removes NULs.
 QString DecodeFileText(const QString& text, bool cpDOS);

@@ -18,8 +18,6 @@ TEST_F(EngineTest, StartOpensTheLinkReadsVatRatesAndSearches)
     EXPECT_FALSE(form.isEnabled(QStringLiteral("Command2")));
     EXPECT_EQ(form.field(QStringLiteral("filetxt")), QStringLiteral("print @Path : in\\"));
     EXPECT_EQ(form.field(QStringLiteral("desctxt")), QStringLiteral("Να Εκτυπωνεται"));
-    EXPECT_EQ(form.field(QStringLiteral("commentstxt")), QStringLiteral("Οχι"));
-    EXPECT_EQ(form.field(QStringLiteral("currtxt")), QStringLiteral("Κυριο Νομισμα"));
     EXPECT_EQ(engine->DeviceType(), 1);
 }
 
@@ -35,16 +33,6 @@ TEST_F(EngineTest, FailedLinkAtStartLeavesEveryTimerOffAndTheMenusClosed)
     EXPECT_EQ(engine->timer2().intervalMs, 1000);
     for (const char* entry : {"help", "Ver", "reports", "mZREp", "pStart", "pStop", "paramEFT", "Command1"})
         EXPECT_FALSE(form.isEnabled(QString::fromLatin1(entry))) << entry;
-}
-
-TEST_F(EngineTest, MissingParamFileAtStartIsToldAndTheLinkFails)
-{
-    link.openStatus = -1;
-    start();
-    EXPECT_FALSE(engine->parametersRead());
-    ASSERT_FALSE(person.messages.isEmpty());
-    EXPECT_EQ(person.messages.first().title, QStringLiteral("Μύνημα Kerbano"));
-    EXPECT_FALSE(engine->hasEnded());
 }
 
 TEST_F(EngineTest, ThreeFailedSearchesLeaveTheDeviceOffLineForGood)
