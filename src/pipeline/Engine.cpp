@@ -477,6 +477,9 @@ void Engine::walkLines(const QStringList& lines, const JobSettings& settings)
             person_.message(messageTitle(), QStringLiteral("Λάθος : ") + QString::fromLocal8Bit(fault.what()),
                             Operator::Icon::Critical);
             goOn = false;
+        } catch (...) {
+            person_.message(messageTitle(), QStringLiteral("Λάθος : ") + lines.at(i), Operator::Icon::Critical);
+            goOn = false;
         }
         progress_.setValue(static_cast<qint16>(qMin<qsizetype>(i + 1, kMaxProgress)));
         if (!goOn)
@@ -494,7 +497,7 @@ void Engine::closeJob()
         hooks_.finishCardPayment();
         clock_.sleepMs(kDocumentSettleMs);
         cardLines = hooks_.cardPaymentLines();
-    } catch (const std::exception&) {
+    } catch (...) {
         cardLines.clear();
     }
     for (const QString& line : cardLines)
@@ -503,7 +506,7 @@ void Engine::closeJob()
 
     try {
         figures = hooks_.closeJob();
-    } catch (const std::exception&) {
+    } catch (...) {
         figures = DocumentFigures();
     }
     const int recStatus = figures.amount != 0.0 ? 1 : 0;
@@ -519,7 +522,7 @@ void Engine::closeJob()
 
     try {
         vars_.IgnoreOperatorBusy = hooks_.isOperatorBusy();
-    } catch (const std::exception&) {
+    } catch (...) {
     }
     state_.PaymentDone = false;
     state_.CommentAfterTotal = false;
