@@ -1,0 +1,136 @@
+#include "config/ParamFileReader.h"
+#include "config/ParamFileWriter.h"
+#include "shell/CodePage.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+const QDate kToday(2026, 3, 7);
+
+ParamFormValues everyBoxOn()
+{
+    ParamFormValues f;
+    f.comtxt = QStringLiteral("COM3");
+    f.baudtxt = QStringLiteral("19200");
+    f.filetxt = QStringLiteral("print");
+    f.location = QStringLiteral("\\shop\\");
+    f.multi_print = f.descreption = f.print_code_ascii = f.comments = true;
+    f.keyb_locked = f.dirdep = f.quantity = f.ChkAuto = f.chkspRet = f.chkDOSf = true;
+    f.currency = 2;
+    f.txtemail = QStringLiteral("z@shop.gr");
+    f.chkAutomailsend = true;
+    return f;
+}
+
+QStringList linesOf(const QByteArray& bytes)
+{
+    QStringList lines = codepage::fromWin1253(bytes).split(QStringLiteral("\r\n"));
+    EXPECT_EQ(lines.takeLast(), QString()); // the last line ends in CR LF too
+    return lines;
+}
+} // namespace
+
+TEST(ParamFileWriter, WritesTheThirtyEightLinesInTheirOrder)
+{
+    const QStringList lines = linesOf(writeParamText(everyBoxOn(), kToday));
+    ASSERT_EQ(lines.size(), 38);
+    EXPECT_EQ(lines[0], QStringLiteral("# Set up for kerbano program"));
+    EXPECT_EQ(lines[1], QStringLiteral("Created by  Kerbano on 03-07-2026"));
+    EXPECT_EQ(lines[3], QStringLiteral("[port] com3"));
+    EXPECT_EQ(lines[6], QStringLiteral("[baud] 19200"));
+    EXPECT_EQ(lines[9], QStringLiteral("# Setup the application to generate  \\myapp\\print.1 and kerbcano will"));
+    EXPECT_EQ(lines[12], QStringLiteral("[file] print"));
+    EXPECT_EQ(lines[13], QString());
+    EXPECT_EQ(lines.mid(15, 14),
+              (QStringList{"[code] no", "# Type of machine", "[ecrt] TECFP", "[multi type] true", "[time] 0",
+                           "[subtotal] yes", "[print_desc] true", "[print_code] true A", "[comments] true",
+                           "[currency]=2", "[keyb_off]=true ", "[dir_depa]=true", "[quantity]=true",
+                           "[spRet   ]=1"}));
+    EXPECT_EQ(lines.mid(29, 9),
+              (QStringList{"[cpDOS   ]=1", "[eMail   ]=z@shop.gr", "[ZeMail  ]=1",
+                           "################################", "# Customer Specific Parameters #",
+                           "################################", "[AutoStar]=yes", "[location] \\shop\\",
+                           "# End of parameter file #"}));
+}
+
+TEST(ParamFileWriter, BoxesOffUnknownDeviceAndEmptyLocation)
+{
+    ParamFormValues f;
+    f.typetxt = QStringLiteral("Other");
+    f.currency = -1;
+    f.comtxt = QStringLiteral("192.168.1.50");
+    f.comtxt = WithDefaultTcpPort(f.comtxt, true);
+    const QStringList lines = linesOf(writeParamText(f, kToday));
+    ASSERT_EQ(lines.size(), 36); // no [ecrt] line, no [currency] line
+    EXPECT_TRUE(lines.contains(QStringLiteral("[port] 192.168.1.50:9101")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("[print_code] falseN")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("[keyb_off]=false")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("[AutoStar]=no")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("[location] \\kerbano\\")));
+    EXPECT_EQ(WithDefaultTcpPort(QStringLiteral("10.0.0.2:9200"), true), QStringLiteral("10.0.0.2:9200"));
+    EXPECT_EQ(WithDefaultTcpPort(QStringLiteral("com1"), false), QStringLiteral("com1"));
+}
+
+TEST(ParamFileReader, AWrittenFileReadsBackToTheSameSettings)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("param.ini"));
+    for (const ParamFormValues& form : {everyBoxOn(), ParamFormValues()}) {
+        ASSERT_TRUE(writeParamFile(path, form, kToday));
+        ParamSettings read;
+        ASSERT_TRUE(readParamFile(path, ParamReader::Start, read));
+        const ParamFormValues again = ParamFormValues::fromSettings(
+            read, ParamSettings::flagValue(read.spRet), ParamSettings::flagValue(read.cpDOS), read.eMail,
+            ParamSettings::wholeNumberValue(read.ZeMail));
+        EXPECT_EQ(writeParamText(again, kToday), writeParamText(form, kToday));
+    }
+    ParamSettings read;
+    ASSERT_TRUE(readParamFile(path, ParamReader::Start, read));
+    EXPECT_EQ(read.job.multiType, QStringLiteral("fals"));
+    EXPECT_EQ(read.job.printCode, QStringLiteral("falseN"));
+    EXPECT_EQ(read.job.location, QStringLiteral("\\kerbano\\"));
+    EXPECT_EQ(read.job.time, QStringLiteral("0"));
+    EXPECT_EQ(read.job.code, QStringLiteral("no"));
+}
+
+TEST(ParamFileReader, HandEditedFileReadsAsTheColumnsSay)
+{
+    const QString text = QStringLiteral(
+        "[port]  com2\n"                                   // two blanks: the value starts one early
+        "[baud] 9600 fast\r\n"
+        "[file] 123456789012345678901234567890TOO LONG\r\n"
+        "[multi type] TRUE\r\n"
+        " [comments] true\r\n"                             // something in front: no key
+        "[currency]=1\r\n[currency]=0\r\n"                  // the last line wins
+        "[Defacto_]=12\r\n"
+        "# [time] 5\r\n"
+        "[autostar]=YES please\r\n"
+        "[spRet   ]=1\r\n[eMail   ]=a@b.gr\r\n[ZeMail  ]=1\r\n");
+    const ParamSettings start = readParamText(text, ParamReader::Start);
+    EXPECT_EQ(start.port, QStringLiteral(" com2"));
+    EXPECT_EQ(start.baud, QStringLiteral("9600 f"));
+    EXPECT_EQ(start.job.file, QStringLiteral("123456789012345678901234567890"));
+    EXPECT_EQ(start.job.multiType, QStringLiteral("TRUE"));
+    EXPECT_EQ(start.job.comments, QString());
+    EXPECT_EQ(start.job.currency, QStringLiteral("0"));
+    EXPECT_EQ(start.job.time, QString());
+    EXPECT_TRUE(start.autoStart);
+    EXPECT_TRUE(ParamSettings::flagValue(start.spRet));
+    EXPECT_EQ(ParamSettings::wholeNumberValue(start.ZeMail), 1);
+    EXPECT_EQ(start.eMail, QStringLiteral("a@b.gr"));
+
+    const ParamSettings tick = readParamText(text, ParamReader::Tick);
+    EXPECT_EQ(tick.job, start.job);
+    EXPECT_FALSE(tick.autoStart);
+    EXPECT_TRUE(tick.spRet.isEmpty() && tick.eMail.isEmpty() && tick.ZeMail.isEmpty());
+}
+
+TEST(ParamFileReader, MissingFileLeavesEverythingEmpty)
+{
+    ParamSettings s;
+    s.port = QStringLiteral("old");
+    EXPECT_FALSE(readParamFile(QStringLiteral("/no/such/param.ini"), ParamReader::Start, s));
+    EXPECT_EQ(s, ParamSettings());
+    EXPECT_EQ(readParamText(QString::fromLatin1("\x01\x02garbage\x7f", 11), ParamReader::Start), ParamSettings());
+}

@@ -1,0 +1,74 @@
+#include "EngineFixture.h"
+#include "pipeline/CommandLine.h"
+
+TEST(CommandLine, SplitsAtCommaOrBlankAndMarksEmptyFields)
+{
+    const CommandLineFields f = readcoman(QStringLiteral("com1,9600 print.txt,,TECFP,2101110 `"));
+    EXPECT_EQ(f.port, QStringLiteral("com1"));
+    EXPECT_EQ(f.baud, QStringLiteral("9600"));
+    EXPECT_EQ(f.file, QStringLiteral("print.txt"));
+    EXPECT_EQ(f.time, QStringLiteral("e"));
+    EXPECT_EQ(f.ecrt, QStringLiteral("TECFP"));
+    EXPECT_EQ(f.flags, QStringLiteral("2101110 `"));
+    EXPECT_TRUE(commandLineUsable(f));
+    EXPECT_TRUE(commandLineStartsBatch(QStringLiteral("com1,9600 print.txt,,TECFP,2101110 `")));
+
+    const JobSettings s = commandLineSettings(f);
+    EXPECT_EQ(s.printCode, QStringLiteral("true A"));
+    EXPECT_EQ(s.printDesc, QStringLiteral("true"));
+    EXPECT_EQ(s.comments, QStringLiteral("fals"));
+    EXPECT_EQ(s.currency, QStringLiteral("1"));
+    EXPECT_EQ(s.keybOff, QStringLiteral("true"));
+    EXPECT_EQ(s.dirDepa, QStringLiteral("true"));
+    EXPECT_EQ(s.quantity, QStringLiteral("fals"));
+    EXPECT_EQ(s.multiType, QStringLiteral("fals"));
+    EXPECT_EQ(s.code, QStringLiteral("true"));
+    EXPECT_TRUE(s.location.isEmpty());
+
+    EXPECT_FALSE(commandLineUsable(readcoman(QStringLiteral("com1,9600,print.txt,0,TECFP,111111"))));
+    EXPECT_FALSE(commandLineUsable(readcoman(QStringLiteral("com1,9600"))));
+    EXPECT_FALSE(commandLineUsable(readcoman(QStringLiteral("com1,9600,print.txt,0,TECFP,"))));
+    EXPECT_TRUE(readcoman(QString()).port.isEmpty());
+}
+
+TEST_F(EngineTest, CommandLineWithSixFlagsEndsAtOnceWithoutAWord)
+{
+    start(QStringLiteral("com1,9600,print.txt,0,TECFP,111111"));
+    EXPECT_TRUE(engine->hasEnded());
+    EXPECT_EQ(engine->exitCode(), 1);
+    EXPECT_TRUE(person.messages.isEmpty());
+    EXPECT_EQ(link.opens, 0);
+    EXPECT_TRUE(form.comstattxt().isEmpty());
+}
+
+TEST_F(EngineTest, CommandLinePrintsItsOneFileDeletesItAndEnds)
+{
+    QString batch;
+    hooks.startBatchFile = [&](const QString& path) { batch = path; };
+    put(QStringLiteral("print.txt"), "tag:  cl\r\n PLU x\r\n");
+    start(QStringLiteral("com1,9600,in\\print.txt,0,TECFP,1111111`"));
+    EXPECT_TRUE(engine->hasEnded());
+    EXPECT_EQ(engine->exitCode(), 0);
+    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.txt"))));
+    EXPECT_EQ(resultLines().first(), QStringLiteral("tag = cl"));
+    EXPECT_EQ(resultLines().last(), QStringLiteral("exitcode = 0"));
+    EXPECT_FALSE(link.connected);
+    EXPECT_EQ(engine->timer1().intervalMs, 1000);
+    EXPECT_TRUE(batch.endsWith(QStringLiteral("kerbano/cop2ker.bat")));
+    EXPECT_EQ(printer->ops, QStringList{"initialize"});
+}
+
+TEST_F(EngineTest, CommandLineGivesUpWaitingForASilentRegisterButStillAnswers)
+{
+    link.openStatus = -1;
+    link.openReply = QStringLiteral("Πρόβλημα στην Θύρα :com1");
+    put(QStringLiteral("print.txt"), "tag:  silent\r\n");
+    hooks.readDeviceVatRates = [] { ADD_FAILURE() << "no VAT rates from a closed link"; };
+    initializeStatusAtStart = -4;
+    start(QStringLiteral("com1,9600,in/print.txt,0,TECFP,0000000"));
+    EXPECT_EQ(printer->ops.size(), Engine::kCommandLineInitializeAttempts);
+    EXPECT_EQ(clock.totalSleptMs(),
+              (Engine::kCommandLineInitializeAttempts - 1) * Engine::kCommandLineInitializePauseMs + 500);
+    EXPECT_EQ(resultLines().last(), QStringLiteral("exitcode = 0"));
+    EXPECT_TRUE(engine->hasEnded());
+}

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "ScriptedLink.h"
+#include "ScriptedOperator.h"
+#include "config/ParamFileWriter.h"
+#include "operations/FPrinter.h"
+#include "pipeline/Engine.h"
+#include "shell/Clock.h"
+#include "shell/CodePage.h"
+#include "shell/FormModel.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <deque>
+#include <gtest/gtest.h>
+#include <memory>
+
+// FPrinterWrite for the engine's tests: "initialize" answers from a script.
+class ScriptedPrinter final : public FPrinter {
+public:
+    explicit ScriptedPrinter(ReceiptState& state)
+        : state_(state)
+    {
+    }
+    std::deque<qint16> initializeStatuses; // then statusAfterScript
+    qint16 statusAfterScript = 0;
+    QStringList ops;
+
+    void FPrinterWrite(const QString&, QVariant&, QVariant&, QVariant&, const QString& op) override
+    {
+        ops << op;
+        if (op != QLatin1String("initialize"))
+            return;
+        state_.LastStatus = initializeStatuses.empty() ? statusAfterScript : initializeStatuses.front();
+        state_.LastReply = state_.LastStatus ? QStringLiteral("no reply") : QString();
+        if (!initializeStatuses.empty())
+            initializeStatuses.pop_front();
+    }
+    using FPrinter::FPrinterWrite;
+
+private:
+    ReceiptState& state_;
+};
+
+// An engine over a temporary working directory; print files go to "in/".
+class EngineTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    VirtualClock clock;
+    ScriptedOperator person;
+    FormModel form;
+    ScriptedLink link;
+    std::unique_ptr<Engine> engine;
+    std::unique_ptr<ScriptedPrinter> printer;
+    QStringList walked;
+    EngineHooks hooks;
+    qint16 initializeStatusAtStart = 0; // what "initialize" answers from the start on
+
+    void SetUp() override
+    {
+        QDir(dir.path()).mkpath(QStringLiteral("in"));
+        hooks.interpretLine = [this](const QString& line, const JobSettings&) {
+            walked << line;
+            return true;
+        };
+    }
+
+    ParamFormValues pollingParams(const QString& file = QStringLiteral("print")) const
+    {
+        ParamFormValues f;
+        f.comtxt = QStringLiteral("127.0.0.1:9101");
+        f.filetxt = file;
+        f.location = QStringLiteral("in\\");
+        f.multi_print = true;
+        f.descreption = true;
+        return f;
+    }
+    void writeParams(const ParamFormValues& f)
+    {
+        ASSERT_TRUE(writeParamFile(dir.filePath(QStringLiteral("param.ini")), f, QDate(2026, 1, 2)));
+    }
+
+    void start(const QString& commandLine = QString())
+    {
+        engine = std::make_unique<Engine>(clock, person, form, EngineOptions{dir.path(), commandLine});
+        printer = std::make_unique<ScriptedPrinter>(engine->receiptState());
+        printer->statusAfterScript = initializeStatusAtStart;
+        engine->attach(link, *printer);
+        engine->setHooks(hooks);
+        engine->Form_Load();
+    }
+    // Started, device found, polling.
+    void startPolling(const ParamFormValues& f)
+    {
+        writeParams(f);
+        start();
+        engine->timer2Tick();
+        engine->command1();
+    }
+
+    QString inPath(const QString& name) const { return dir.filePath(QStringLiteral("in/") + name); }
+    void put(const QString& name, const QByteArray& bytes)
+    {
+        QFile file(inPath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    QStringList resultLines(const QString& relative = QStringLiteral("Result")) const
+    {
+        QFile file(dir.filePath(relative));
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        QStringList lines = codepage::fromWin1253(file.readAll()).split(QStringLiteral("\r\n"));
+        lines.removeLast();
+        return lines;
+    }
+};

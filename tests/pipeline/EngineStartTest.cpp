@@ -1,0 +1,110 @@
+#include "EngineFixture.h"
+
+TEST_F(EngineTest, StartOpensTheLinkReadsVatRatesAndSearches)
+{
+    int vatReads = 0;
+    hooks.readDeviceVatRates = [&] { ++vatReads; };
+    writeParams(pollingParams());
+    start();
+    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναζήτηση"));
+    EXPECT_EQ(form.comstattxt(), QStringLiteral("Εύρεση Φορολογικής Ταμειακής !!! "));
+    EXPECT_EQ(link.opens, 1);
+    EXPECT_EQ(vatReads, 1);
+    EXPECT_TRUE(engine->timer2().armed);
+    EXPECT_EQ(engine->timer2().intervalMs, 1000);
+    EXPECT_TRUE(engine->mTimer().armed);
+    EXPECT_FALSE(engine->timer1().armed);
+    EXPECT_FALSE(form.isEnabled(QStringLiteral("Command1")));
+    EXPECT_FALSE(form.isEnabled(QStringLiteral("Command2")));
+    EXPECT_EQ(form.field(QStringLiteral("filetxt")), QStringLiteral("print @Path : in\\"));
+    EXPECT_EQ(form.field(QStringLiteral("desctxt")), QStringLiteral("Να Εκτυπωνεται"));
+    EXPECT_EQ(engine->DeviceType(), 1);
+}
+
+TEST_F(EngineTest, FailedLinkAtStartLeavesEveryTimerOffAndTheMenusClosed)
+{
+    link.openStatus = -1;
+    link.openReply = QStringLiteral("Πρόβλημα στην Θύρα :com9");
+    writeParams(pollingParams());
+    start();
+    EXPECT_EQ(form.comstattxt(), QStringLiteral("Λάθος : -1 - Πρόβλημα στην Θύρα :com9"));
+    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναζήτηση"));
+    EXPECT_FALSE(engine->timer1().armed || engine->timer2().armed || engine->mTimer().armed);
+    EXPECT_EQ(engine->timer2().intervalMs, 1000);
+    for (const char* entry : {"help", "Ver", "reports", "mZREp", "pStart", "pStop", "paramEFT", "Command1"})
+        EXPECT_FALSE(form.isEnabled(QString::fromLatin1(entry))) << entry;
+}
+
+TEST_F(EngineTest, ThreeFailedSearchesLeaveTheDeviceOffLineForGood)
+{
+    writeParams(pollingParams());
+    start();
+    printer->initializeStatuses = {-4, -4, -4, 0};
+    for (int i = 0; i < 3; ++i)
+        engine->timer2Tick();
+    EXPECT_EQ(engine->searchFailures(), 3);
+    EXPECT_EQ(form.comstattxt(), QStringLiteral("Εύρεση Φορολογικής Ταμειακής !!! "));
+    engine->timer2Tick();
+    engine->timer2Tick();
+    EXPECT_EQ(form.comstattxt(), QStringLiteral("Φορολογικός Εκτυπωτής Off-Line, Εκτυπώσεις Ανενεργές !"));
+    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Λάθος!"));
+    EXPECT_EQ(printer->ops.size(), 3); // no more questions to the register
+    EXPECT_TRUE(engine->timer2().armed);
+    EXPECT_FALSE(form.isEnabled(QStringLiteral("Command1")));
+}
+
+TEST_F(EngineTest, DeviceAnsweringMakesTheProgramReadyAndAutoStartPolls)
+{
+    auto params = pollingParams();
+    params.ChkAuto = true;
+    writeParams(params);
+    link.tcp = false;
+    start();
+    link.connected = false; // closed meanwhile: the search opens it again
+    printer->initializeStatuses = {-4, 0};
+    engine->timer2Tick();
+    EXPECT_EQ(engine->searchFailures(), 1);
+    EXPECT_TRUE(form.formShown());
+    engine->timer2Tick();
+    EXPECT_EQ(link.opens, 2);
+    EXPECT_TRUE(form.isVisible(QStringLiteral("baudtxt")));
+    EXPECT_FALSE(engine->timer2().armed);
+    EXPECT_FALSE(form.isEnabled(QStringLiteral("reports"))); // AutoStart went on to polling
+    EXPECT_EQ(form.comstattxt(), QStringLiteral("Αναμονη Για Στοιχεια...."));
+    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναμονη"));
+    EXPECT_TRUE(engine->timer1().armed);
+    EXPECT_FALSE(form.formShown());
+}
+
+TEST_F(EngineTest, ButtonsAlternatePollingAndStoppedWithTheirCheckMarks)
+{
+    writeParams(pollingParams());
+    start();
+    engine->mTimerTick();
+    EXPECT_FALSE(form.isChecked(QStringLiteral("pStart")) || form.isChecked(QStringLiteral("pStop")));
+
+    engine->timer2Tick();
+    EXPECT_EQ(form.comstattxt(), QStringLiteral("Φορολογικός Εκτυπωτής ON-Line, Έτοιμος Για Εκτυπωσεις"));
+    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Έτοιμο"));
+    EXPECT_TRUE(form.isEnabled(QStringLiteral("Command1")));
+    EXPECT_TRUE(form.isEnabled(QStringLiteral("reports")));
+
+    engine->command1();
+    EXPECT_TRUE(engine->timer1().armed);
+    EXPECT_EQ(engine->timer1().intervalMs, 3000);
+    EXPECT_FALSE(form.isEnabled(QStringLiteral("Command1")));
+    EXPECT_TRUE(form.isEnabled(QStringLiteral("Command2")));
+    EXPECT_FALSE(form.isEnabled(QStringLiteral("Settings")));
+    engine->mTimerTick();
+    EXPECT_TRUE(form.isChecked(QStringLiteral("pStart")));
+    EXPECT_FALSE(form.isChecked(QStringLiteral("pStop")));
+
+    engine->command2();
+    EXPECT_FALSE(engine->timer1().armed);
+    EXPECT_EQ(form.comstattxt(), QStringLiteral("Διακοπη Εκτυπωσεων. Πατηστε Εναρξη Εκτυπωσεων!!! "));
+    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Διακοπηκε"));
+    EXPECT_TRUE(form.isEnabled(QStringLiteral("reports")) && form.isEnabled(QStringLiteral("Settings")));
+    engine->mTimerTick();
+    EXPECT_FALSE(form.isChecked(QStringLiteral("pStart")));
+    EXPECT_TRUE(form.isChecked(QStringLiteral("pStop")));
+}

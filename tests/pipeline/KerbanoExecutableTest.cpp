@@ -1,0 +1,98 @@
+#include "shell/CodePage.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+const QString kKerbano = QStringLiteral(KERBANO_BIN_DIR "/kerbano");
+
+struct ProcessRun {
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+ProcessRun runKerbano(const QString& workDir, const QStringList& args, int timeoutMs = 30000)
+{
+    QProcess process;
+    process.setWorkingDirectory(workDir);
+    process.start(kKerbano, args);
+    ProcessRun run;
+    if (!process.waitForFinished(timeoutMs)) {
+        process.kill();
+        process.waitForFinished();
+        ADD_FAILURE() << "kerbano did not end";
+    }
+    run.exitCode = process.exitCode();
+    run.out = QString::fromUtf8(process.readAllStandardOutput());
+    run.err = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+void writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+} // namespace
+
+TEST(KerbanoExecutable, WrongCommandLineEndsAtOnceWithoutAWord)
+{
+    QTemporaryDir dir;
+    const ProcessRun wrong = runKerbano(dir.path(), {QStringLiteral("--headless"), QStringLiteral("com1,9600,p.txt,0,TECFP,111111")});
+    EXPECT_NE(wrong.exitCode, 0);
+    EXPECT_TRUE(wrong.out.isEmpty()) << wrong.out.toStdString();
+    EXPECT_TRUE(wrong.err.isEmpty()) << wrong.err.toStdString();
+}
+
+TEST(KerbanoExecutable, HeadlessWithoutParamFileSaysSoAndEnds)
+{
+    QTemporaryDir dir;
+    const ProcessRun run = runKerbano(dir.path(), {QStringLiteral("--headless")});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.contains(QStringLiteral("param.ini"))) << run.err.toStdString();
+}
+
+TEST(KerbanoExecutable, HeadlessShowsTheFailedLinkAndStaysUp)
+{
+    QTemporaryDir dir;
+    writeFile(dir.filePath(QStringLiteral("param.ini")),
+              "[port] /dev/nosuchport\r\n[baud] 9600\r\n[file] print\r\n[multi type] true\r\n");
+    QProcess process;
+    process.setWorkingDirectory(dir.path());
+    process.start(kKerbano, {QStringLiteral("--headless")});
+    QString out;
+    while (!out.contains(QStringLiteral("Λάθος : ")) && process.waitForReadyRead(10000))
+        out += QString::fromUtf8(process.readAllStandardOutput());
+    EXPECT_TRUE(out.contains(QStringLiteral("Εύρεση Φορολογικής Ταμειακής !!! \n"))) << out.toStdString();
+    EXPECT_TRUE(out.contains(QStringLiteral("Λάθος : -1 - Πρόβλημα στην Θύρα :/dev/nosuchport")))
+        << out.toStdString();
+    EXPECT_FALSE(process.waitForFinished(300)); // the link-failed state waits for the operator
+    process.kill();
+    process.waitForFinished();
+}
+
+TEST(KerbanoExecutable, CommandLinePrintsOneFileAndLeavesItsResultFile)
+{
+    QTemporaryDir dir;
+    QDir(dir.path()).mkpath(QStringLiteral("jobs"));
+    writeFile(dir.filePath(QStringLiteral("jobs/print.txt")),
+              "resFile:  jobs\\res.txt\r\ntag:  00417\r\n PLU Καφές\r\n");
+    const ProcessRun run = runKerbano(dir.path(), {QStringLiteral("--headless"),
+                                            QStringLiteral("com1,9600,jobs\\print.txt,0,TECFP,1111111")});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.out.contains(QStringLiteral("Εκτύπωση Ενεργή ..... Παρακαλώ Περιμένετε...")));
+    EXPECT_FALSE(QFile::exists(dir.filePath(QStringLiteral("jobs/print.txt"))));
+
+    QFile result(dir.filePath(QStringLiteral("jobs/res.txt")));
+    ASSERT_TRUE(result.open(QIODevice::ReadOnly));
+    const QStringList lines = codepage::fromWin1253(result.readAll()).split(QStringLiteral("\r\n"));
+    ASSERT_EQ(lines.size(), 7);
+    EXPECT_EQ(lines[0], QStringLiteral("tag = 00417"));
+    EXPECT_TRUE(lines[1].startsWith(QStringLiteral("DateTime start = ")));
+    EXPECT_EQ(lines.mid(3), (QStringList{"recStatus = 0;0.00", "receipt = -1, -1, 0", "exitcode = 0", ""}));
+}
