@@ -1,7 +1,8 @@
 #include "pipeline/Engine.h"
 #include "pipeline/EngineTimers.h"
-#include "pipeline/UnavailableLink.h"
-#include "pipeline/UnavailablePrinter.h"
+#include "link/QtTransportFactory.h"
+#include "pipeline/Driver.h"
+#include "shell/Paths.h"
 #include "shell/Clock.h"
 #include "shell/FormModel.h"
 #include "shell/HeadlessOperator.h"
@@ -84,10 +85,10 @@ int main(int argc, char** argv)
     FormModel form;
     QObject::connect(&form, &FormModel::statusLineChanged, &printLine);
 
-    Engine engine(clock, person, form, EngineOptions{QDir::currentPath(), args.commandLine});
-    UnavailableLink link(person, engine.moduleVariables());
-    UnavailablePrinter printer(engine.receiptState());
-    engine.attach(link, printer);
+    QtTransportFactory transports;
+    Driver driver(clock, person, form, transports,
+                  DriverOptions{QDir::currentPath(), ProgramDirectory(), args.commandLine});
+    Engine& engine = driver.engine();
     EngineTimers timers(engine);
 
     QObject::connect(&engine, &Engine::ended, &app, [](int code) { QCoreApplication::exit(code); });

@@ -469,21 +469,18 @@ void Engine::getdata(const QString& path, const JobSettings& settings)
 
 void Engine::walkLines(const QStringList& lines, const JobSettings& settings)
 {
-    for (qsizetype i = 0; i < lines.size(); ++i) {
-        bool goOn = true;
-        try {
-            goOn = hooks_.interpretLine(lines.at(i), settings);
-        } catch (const std::exception& fault) {
-            person_.message(messageTitle(), QStringLiteral("Λάθος : ") + QString::fromLocal8Bit(fault.what()),
-                            Operator::Icon::Critical);
-            goOn = false;
-        } catch (...) {
-            person_.message(messageTitle(), QStringLiteral("Λάθος : ") + lines.at(i), Operator::Icon::Critical);
-            goOn = false;
-        }
+    const auto lineReached = [this](qsizetype i) {
         progress_.setValue(static_cast<qint16>(qMin<qsizetype>(i + 1, kMaxProgress)));
-        if (!goOn)
-            break;
+    };
+    // A fault inside the walk ends it; the closing lines are written all the same.
+    try {
+        hooks_.interpretLines(lines, settings, lineReached);
+    } catch (const std::exception& fault) {
+        person_.message(messageTitle(), QStringLiteral("Λάθος : ") + QString::fromLocal8Bit(fault.what()),
+                        Operator::Icon::Critical);
+    } catch (...) {
+        person_.message(messageTitle(), QStringLiteral("Λάθος : ") + vars_.JobTag,
+                        Operator::Icon::Critical);
     }
 }
 

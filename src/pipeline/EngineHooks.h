@@ -20,9 +20,16 @@ struct DocumentFigures {
 struct EngineHooks {
     // Form_Load, once the link is open: the register's VAT rates into vats.dat.
     std::function<void()> readDeviceVatRates = [] {};
-    // One print-file line; false ends the walk (exit, a bad table number).
-    std::function<bool(const QString& line, const JobSettings& settings)> interpretLine =
-        [](const QString&, const JobSettings&) { return true; };
+    // The walk over the print file's lines, in order. lineReached(i) is called
+    // as line i is taken up: it moves the progress indicator and lets the
+    // event loop breathe.
+    using InterpretLines = std::function<void(const QStringList& lines, const JobSettings& settings,
+                                              const std::function<void(qsizetype)>& lineReached)>;
+    InterpretLines interpretLines = [](const QStringList& lines, const JobSettings&,
+                                       const std::function<void(qsizetype)>& lineReached) {
+        for (qsizetype i = 0; i < lines.size(); ++i)
+            lineReached(i);
+    };
     // Behind the last line: a pending card notice, before the 500 ms pause.
     std::function<void()> finishCardPayment = [] {};
     // The card transactions of the receipt as "ccPay" lines.

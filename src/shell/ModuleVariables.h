@@ -5,7 +5,7 @@
 // The process-wide variables of the driver. One instance, owned by the Engine
 // and handed by reference to whoever needs it; they survive from job to job.
 struct ModuleVariables {
-    QString ResultPath = QStringLiteral("Result"); // the job's result file
+    QString ResultPath;                             // the job's result file; none before the first job
     QString JobTag = QStringLiteral("Unknown");    // tag value of the job
     QString DeviceLabel;                            // model and serial of the register
     bool DebugEnabled = false;                      // communication log on

@@ -57,13 +57,26 @@ protected:
     EngineHooks hooks;
     qint16 initializeStatusAtStart = 0; // what "initialize" answers from the start on
 
+    // A walk that hands each line to perLine; false from it ends the walk.
+    static EngineHooks::InterpretLines walkEach(std::function<bool(const QString&, const JobSettings&)> perLine)
+    {
+        return [perLine](const QStringList& lines, const JobSettings& settings,
+                         const std::function<void(qsizetype)>& lineReached) {
+            for (qsizetype i = 0; i < lines.size(); ++i) {
+                lineReached(i);
+                if (!perLine(lines.at(i), settings))
+                    return;
+            }
+        };
+    }
+
     void SetUp() override
     {
         QDir(dir.path()).mkpath(QStringLiteral("in"));
-        hooks.interpretLine = [this](const QString& line, const JobSettings&) {
+        hooks.interpretLines = walkEach([this](const QString& line, const JobSettings&) {
             walked << line;
             return true;
-        };
+        });
     }
 
     ParamFormValues pollingParams(const QString& file = QStringLiteral("print")) const

@@ -7,13 +7,13 @@ TEST_F(EngineTest, AFileAppearingIsPrintedDeletedAndReportedInItsResultFile)
     startPolling(pollingParams());
     bool timer1ArmedDuringJob = true;
     bool ignoreBusyDuringJob = false;
-    hooks.interpretLine = [&](const QString& line, const JobSettings& settings) {
+    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings& settings) {
         walked << line;
         timer1ArmedDuringJob = engine->timer1().armed;
         ignoreBusyDuringJob = engine->moduleVariables().IgnoreOperatorBusy;
         EXPECT_EQ(settings.printDesc, QStringLiteral("true"));
         return true;
-    };
+    });
     hooks.isOperatorBusy = [] { return false; };
     engine->setHooks(hooks);
     QStringList statusLines;
@@ -117,13 +117,13 @@ TEST_F(EngineTest, SingleFileWayWaitsForItsFilePrintsItAndEnds)
 
 TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
 {
-    hooks.interpretLine = [&](const QString& line, const JobSettings&) {
+    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings&) {
         walked << line;
         engine->receiptState().TableMode = 1;
         engine->receiptState().setCurrentTable(5);
         engine->receiptState().PaymentDone = true;
         return !line.startsWith(QLatin1String(" exit"));
-    };
+    });
     hooks.cardPaymentLines = [] { return QStringList{"ccPay0 = a;b;c;d;e;f;g;h"}; };
     hooks.closeJob = [] { return DocumentFigures{6.5, 1287, 42, -1}; };
     hooks.isOperatorBusy = [] { return true; };
@@ -145,12 +145,12 @@ TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
 
 TEST_F(EngineTest, BadInputStillGetsItsClosingLinesAndPollingGoesOn)
 {
-    hooks.interpretLine = [&](const QString& line, const JobSettings&) -> bool {
+    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings&) -> bool {
         if (line.contains(QLatin1String("boom")))
             throw std::runtime_error("interpreter fault");
         walked << line;
         return true;
-    };
+    });
     startPolling(pollingParams());
 
     put(QStringLiteral("print.1"), QByteArray("\x00\xff\x81garbage\r\n boom\r\n after\r\n", 23));
