@@ -179,10 +179,14 @@ void Engine::commandLineJob()
     setTimer(timer2_, false);
     setTimer(timer1_, true, kTimer1DesignedMs);
 
-    // The register may still be waking; ask it a few times, then run the file
-    // all the same so that the application gets its result file.
+    // The register may still be waking: ask it a few times. A register that
+    // stays silent gets no file: it stays where it is, unprinted, for the next run.
+    const QString path = workPath(settings_.location + settings_.file);
+    const qint64 giveUpAt = clock_.monotonicMs() + kCommandLineInitializeGiveUpMs;
     for (int attempt = 0; attempt < kCommandLineInitializeAttempts; ++attempt) {
         if (attempt > 0) {
+            if (clock_.monotonicMs() >= giveUpAt)
+                break;
             clock_.sleepMs(kCommandLineInitializePauseMs);
             if (!link_->isConnected()) {
                 qint16 status = 0;
@@ -194,16 +198,23 @@ void Engine::commandLineJob()
         if (state_.LastStatus == 0)
             break;
     }
-    if (state_.LastStatus == 0) {
-        form_.setComstattxt(kStatusReady);
-        form_.setCaption(kCaptionReady);
-    } else {
+    if (state_.LastStatus != 0) {
         form_.setComstattxt(QStringLiteral("Λάθος : %1 - %2").arg(state_.LastStatus).arg(state_.LastReply));
+        person_.message(messageTitle(),
+                        QStringLiteral("Η φορολογική ταμειακή δεν απαντά. Το αρχείο %1 δεν εκτυπώθηκε "
+                                       "και παραμένει για την επόμενη εκτέλεση.")
+                            .arg(QDir::toNativeSeparators(path)),
+                        Operator::Icon::Critical);
+        if (link_->isConnected())
+            link_->CloseDeviceLink();
+        end(kExitRegisterSilent);
+        return;
     }
+    form_.setComstattxt(kStatusReady);
+    form_.setCaption(kCaptionReady);
     form_.setEnabled(QStringLiteral("Command1"), true);
     setTimer(timer2_, false);
 
-    const QString path = workPath(settings_.location + settings_.file);
     inJob_ = true;
     getdata(path, settings_);
     mFile::DeleteFile(path);

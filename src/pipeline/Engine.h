@@ -40,10 +40,13 @@ public:
     static constexpr int kMTimerMs = 1000;
     static constexpr int kSearchesBeforeOffLine = 3;
     static constexpr int kDocumentSettleMs = 500;
-    // The command-line life asks the register this often, this far apart,
-    // before it runs its one file all the same.
+    // The command-line life asks the register this often, this far apart, and
+    // for no longer than this, before it gives up: the file stays unprinted
+    // for the next run and the process ends with kExitRegisterSilent.
     static constexpr int kCommandLineInitializeAttempts = 5;
     static constexpr int kCommandLineInitializePauseMs = 1000;
+    static constexpr qint64 kCommandLineInitializeGiveUpMs = 60000;
+    static constexpr int kExitRegisterSilent = 2;
 
     Engine(Clock& clock, Operator& person, FormModel& form, EngineOptions options,
            QObject* parent = nullptr);

@@ -58,7 +58,7 @@ TEST_F(EngineTest, CommandLinePrintsItsOneFileDeletesItAndEnds)
     EXPECT_EQ(printer->ops, QStringList{"initialize"});
 }
 
-TEST_F(EngineTest, CommandLineGivesUpWaitingForASilentRegisterButStillAnswers)
+TEST_F(EngineTest, CommandLineGivesUpOnASilentRegisterAndKeepsTheFileUnprinted)
 {
     link.openStatus = -1;
     link.openReply = QStringLiteral("Πρόβλημα στην Θύρα :com1");
@@ -68,7 +68,11 @@ TEST_F(EngineTest, CommandLineGivesUpWaitingForASilentRegisterButStillAnswers)
     start(QStringLiteral("com1,9600,in/print.txt,0,TECFP,0000000"));
     EXPECT_EQ(printer->ops.size(), Engine::kCommandLineInitializeAttempts);
     EXPECT_EQ(clock.totalSleptMs(),
-              (Engine::kCommandLineInitializeAttempts - 1) * Engine::kCommandLineInitializePauseMs + 500);
-    EXPECT_EQ(resultLines().last(), QStringLiteral("exitcode = 0"));
+              (Engine::kCommandLineInitializeAttempts - 1) * Engine::kCommandLineInitializePauseMs);
     EXPECT_TRUE(engine->hasEnded());
+    EXPECT_EQ(engine->exitCode(), Engine::kExitRegisterSilent);
+    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("print.txt"))));
+    EXPECT_TRUE(resultLines().isEmpty());
+    ASSERT_FALSE(person.messages.isEmpty());
+    EXPECT_TRUE(person.messages.last().text.startsWith(QStringLiteral("Η φορολογική ταμειακή δεν απαντά.")));
 }
