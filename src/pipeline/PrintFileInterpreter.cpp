@@ -255,7 +255,7 @@ PrintFileInterpreter::Flow PrintFileInterpreter::specialReturnItem(const QString
     if (!note.isEmpty()) {
         comment = QLatin1Char('*') + note;
     } else {
-        comment = count + QStringLiteral(" ΤΕΜ ") + QStringLiteral("Έκπτ=") + discountField;
+        comment = count + QStringLiteral(" ΤΕΜ ") + QStringLiteral("Έκπτ=") + column(next, 7, 9).trimmed();
         if (isPercent)
             comment += QLatin1Char('=') + NumberText(cut);
         comment += QStringLiteral(" Ευρώ");
