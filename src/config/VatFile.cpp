@@ -2,26 +2,20 @@
 
 #include "config/RegionalNumber.h"
 
+#include "shell/FileProcedures.h"
+
 #include <QFile>
 #include <QtEndian>
 
 namespace {
 
-// A missing file is made, empty, by the first read; one that exists is only read.
-bool openForReading(QFile& file)
-{
-    if (!file.exists() && !file.open(QIODevice::WriteOnly))
-        return false;
-    file.close();
-    return file.open(QIODevice::ReadOnly);
-}
 constexpr qint64 kRateSize = 8;
 }
 
 int ReadVatsFile(const QString& path, VatRates& rates)
 {
     QFile file(path);
-    if (!openForReading(file))
+    if (!mFile::OpenCreatingForRead(file))
         return -1;
     QByteArray bytes = file.read(kRateSize * kVatCategories);
     if (bytes.isNull() && file.error() != QFileDevice::NoError)

@@ -2,19 +2,13 @@
 
 #include "shell/Operator.h"
 
+#include "shell/FileProcedures.h"
+
 #include <QFile>
 #include <QtEndian>
 
 namespace {
 
-// A missing file is made, empty, by the first read; one that exists is only read.
-bool openForReading(QFile& file)
-{
-    if (!file.exists() && !file.open(QIODevice::WriteOnly))
-        return false;
-    file.close();
-    return file.open(QIODevice::ReadOnly);
-}
 
 const QString kMapTitle = QStringLiteral("Μύνημα Kerbano");
 const QString kMapUnreadable = QStringLiteral("Αδυναμία ανάγνωσης παραμέτρων πληρωμών");
@@ -49,7 +43,7 @@ int ReadPayEftRecord(const QString& path, PayEftRecord& record)
     if (record.payId < 1)
         return -1;
     QFile file(path);
-    if (!openForReading(file))
+    if (!mFile::OpenCreatingForRead(file))
         return -1;
     QByteArray bytes(PayEftRecord::kSize, '\0');
     const qint64 offset = slotOffset(record.payId);

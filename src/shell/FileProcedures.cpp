@@ -141,4 +141,12 @@ QString ReadTagLine(const QString& text)
     return lineAfterMarker(text, QStringLiteral("tag:"), 6, QStringLiteral("Unknown"));
 }
 
+bool OpenCreatingForRead(QFile& file)
+{
+    if (!file.exists() && !file.open(QIODevice::WriteOnly))
+        return false;
+    file.close();
+    return file.open(QIODevice::ReadOnly);
+}
+
 } // namespace mFile

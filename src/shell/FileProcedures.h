@@ -25,6 +25,8 @@ private:
 };
 
 // mFile: the small file procedures of the print job. Files are Windows-1253.
+class QFile;
+
 namespace mFile {
 
 // The file exists, is not empty and nobody else holds it open for writing.
@@ -35,6 +37,10 @@ bool IsFileReady(const QString& path, FileLookMemory* memory = nullptr);
 // file open (a write lease is granted only then); where leases are not
 // available, size and modification time unchanged since the last look.
 bool CanOpenForAppend(const QString& path, FileLookMemory* memory = nullptr);
+
+// Opens a data file (vats.dat, payeft.dat) for reading; a missing one is
+// first made, empty, as the first access of such a file does.
+bool OpenCreatingForRead(QFile& file);
 
 // Deletes the file; a fault is passed over.
 void DeleteFile(const QString& path);
