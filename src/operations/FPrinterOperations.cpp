@@ -8,6 +8,7 @@
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
 #include "shell/Operator.h"
+#include "shell/TextConversions.h"
 #include "shell/ProgressIndicator.h"
 
 #include <QStringList>
@@ -38,21 +39,6 @@ QString slashesToDashes(const QString& text)
     QString out = text;
     out.replace(QLatin1Char('/'), QLatin1Char('-'));
     return out;
-}
-
-// The register prints Greek capitals without accents; a footer is cleaned
-// here as every description is cleaned before it reaches FPrinterWrite.
-QString withoutAccents(const QString& text)
-{
-    static const QString accented = QStringLiteral("άΆέΈήΉίΊόΌύΎώΏ");
-    static const QString plain = QStringLiteral("αΑεΕηΗιΙοΟυΥωΩ");
-    QString out = text;
-    for (qsizetype i = 0; i < out.size(); ++i) {
-        const qsizetype at = accented.indexOf(out.at(i));
-        if (at >= 0)
-            out[i] = plain.at(at);
-    }
-    return slashesToDashes(out);
 }
 
 QString replyField(const QString& reply, int index)
@@ -269,7 +255,7 @@ void FPrinterOperations::foo(const QString& working)
         QString piece = working.mid(i * dc::kFooterLineMax, dc::kFooterLineMax);
         if (piece.isEmpty())
             piece = QStringLiteral(".");
-        pieces << withoutAccents(piece);
+        pieces << CleanDeviceText(piece);
     }
     send(dc::Footer(pieces[0], pieces[1], pieces[2], pieces[3]));
 }
