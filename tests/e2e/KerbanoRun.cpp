@@ -1,0 +1,25 @@
+#include "KerbanoRun.h"
+
+#include <QProcess>
+#include <QProcessEnvironment>
+
+KerbanoRun runKerbanoHeadless(const QString& workDir, const QString& commandLine, int timeoutMs)
+{
+    QProcess process;
+    process.setWorkingDirectory(workDir);
+    // Its own home too, so that runs side by side share no log or order store.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), {QStringLiteral("--headless"), commandLine});
+    KerbanoRun run;
+    run.finished = process.waitForFinished(timeoutMs);
+    if (!run.finished) {
+        process.kill();
+        process.waitForFinished();
+    }
+    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    return run;
+}

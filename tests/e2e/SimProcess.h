@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+// One kerbano-ecr-sim for one run: started with a journal and a tape in the
+// given directory and always killed when the guard goes, whatever the test did.
+class SimProcess {
+public:
+    explicit SimProcess(QString workDir);
+    ~SimProcess();
+    SimProcess(const SimProcess&) = delete;
+    SimProcess& operator=(const SimProcess&) = delete;
+
+    // Listens on a free loopback port at or below 32767; false when no port
+    // could be taken within a few tries.
+    bool startTcp();
+    // Links the slave of a new pseudo-terminal at <workDir>/ecr, paced at baud.
+    bool startPty(int baud);
+
+    // The port field of kerbano's command line for this register.
+    QString portField() const { return m_portField; }
+    QString journalPath() const;
+    QString tapePath() const;
+    // Commands the register received, in order, from the journal line index on.
+    QStringList journalCommands(int fromLine = 0) const;
+    QStringList journalLines() const;
+    QString startError() const { return m_error; }
+
+private:
+    bool start(const QStringList& wireArgs);
+    bool waitReady();
+    void stop();
+
+    QString m_workDir;
+    QString m_portField;
+    QString m_error;
+    std::unique_ptr<QProcess> m_process;
+};
