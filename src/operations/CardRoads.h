@@ -16,4 +16,10 @@ public:
     {
         Q_UNUSED(record) Q_UNUSED(amount) Q_UNUSED(description) Q_UNUSED(tag)
     }
+    // The card road of a pay line outside a table: amount is the balance the
+    // register reports.
+    virtual void payFromMapInReceipt(const PayEftRecord& record, double amount)
+    {
+        Q_UNUSED(record) Q_UNUSED(amount)
+    }
 };

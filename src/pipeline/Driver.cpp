@@ -26,10 +26,12 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
               EngineOptions{orCurrent(options_.workingDirectory), options_.commandLine})
     , log_(orCurrent(options_.programDirectory), engine_.moduleVariables())
     , link_(engine_.moduleVariables(), clock, person, form, transports, log_)
+    , cards_(link_)
     , printer_(link_, engine_.receiptState(), engine_.moduleVariables(), person, form,
                engine_.progress(), workFile(kPayEftFile))
     , reports_(link_, printer_, engine_.receiptState(), engine_.moduleVariables(), form)
 {
+    printer_.setCardRoads(cards_);
     engine_.attach(link_, printer_);
     engine_.setHooks(makeHooks());
 }
@@ -46,7 +48,8 @@ EngineHooks Driver::makeHooks()
     hooks.interpretLines = [this](const QStringList& lines, const JobSettings& settings,
                                   const std::function<void(qsizetype)>& lineReached) {
         InterpreterContext context{engine_.receiptState(), engine_.moduleVariables(), printer_,
-                                   link_, person_, clock_, orCurrent(options_.workingDirectory),
+                                   link_, person_, clock_, cards_,
+                                   orCurrent(options_.workingDirectory),
                                    [this] { reports_.dailyZ(); }};
         PrintFileInterpreter interpreter(std::move(context), settings);
         interpreter.run(lines, [&lineReached](int i) { lineReached(i); });

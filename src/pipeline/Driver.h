@@ -2,6 +2,7 @@
 
 #include "link/PortLink.h"
 #include "operations/FPrinterOperations.h"
+#include "payments/UnavailableCardRoads.h"
 #include "pipeline/Engine.h"
 #include "reports/ReportRun.h"
 #include "shell/CommunicationLog.h"
@@ -44,6 +45,7 @@ private:
     Engine engine_;
     CommunicationLog log_;
     PortLink link_;
+    UnavailableCardRoads cards_;
     FPrinterOperations printer_;
     ReportRun reports_;
 };

@@ -3,6 +3,7 @@
 #include "config/RegionalNumber.h"
 #include "config/VatFile.h"
 #include "link/DeviceLink.h"
+#include "operations/CardRoads.h"
 #include "operations/DeviceCommands.h"
 #include "operations/FPrinter.h"
 #include "operations/ReceiptState.h"
@@ -348,10 +349,8 @@ void PrintFileInterpreter::pay(const QString& line)
     const PayEftRecord record = PaymentMapLookup(payment, payeftPath(), ctx_.op);
     if (ctx_.receipt.TableMode != 0)
         return; // the table road comes with the restaurant tables
-    if (record.active != 0 && record.preCollect == 0) {
-        // Card payments through the register's terminals are not handled yet:
-        // the operator is told and nothing is paid, so nothing is paid twice.
-        ctx_.link.ShowDeviceMessage(kBadPaymentStatus, QStringLiteral("Πληρωμή με κάρτα μη διαθέσιμη"));
+    if (record.isActive() && !record.isPreCollect()) {
+        ctx_.cards.payFromMapInReceipt(record, mDocData(ctx_.link).ReadRemainingAmount());
         return;
     }
     const double remaining = mDocData(ctx_.link).ReadRemainingAmount();

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <functional>
 
+class CardRoads;
 class Clock;
 class DeviceLink;
 class FPrinter;
@@ -27,6 +28,7 @@ struct InterpreterContext {
     DeviceLink& link;
     Operator& op;
     Clock& clock;
+    CardRoads& cards;
     QString workingDirectory; // where vats.dat and payeft.dat lie
     // The Z report of the menu (MKZ lines).
     std::function<void()> runDailyZ;

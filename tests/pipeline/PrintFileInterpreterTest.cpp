@@ -1,6 +1,8 @@
 #include "config/VatFile.h"
 #include "operations/FPrinterOperations.h"
 #include "operations/ReceiptState.h"
+#include "payments/PaymentMap.h"
+#include "payments/UnavailableCardRoads.h"
 #include "pipeline/JobClosing.h"
 #include "pipeline/PrintFileColumns.h"
 #include "pipeline/PrintFileInterpreter.h"
@@ -59,6 +61,7 @@ protected:
     clsind progress{form};
     JobSettings settings = receiptSettings();
     bool zRun = false;
+    UnavailableCardRoads cards{link};
 
     void SetUp() override
     {
@@ -71,7 +74,8 @@ protected:
     {
         FPrinterOperations printer(link, receipt, vars, person, form, progress,
                                    dir.filePath(QStringLiteral("payeft.dat")));
-        InterpreterContext context{receipt, vars, printer, link, person, clock, dir.path(),
+        printer.setCardRoads(cards);
+        InterpreterContext context{receipt, vars, printer, link, person, clock, cards, dir.path(),
                                    [this] { zRun = true; }};
         PrintFileInterpreter interpreter(std::move(context), settings);
         interpreter.run(lines);
@@ -257,6 +261,22 @@ TEST_F(PrintFileInterpreterTest, PaymentAndVoidLinesFollowTheirFields)
     // Voiding and cancelling belong to the table while one is open.
     receipt.TableMode = 1;
     EXPECT_TRUE(run({QStringLiteral(" can   5"), QStringLiteral(" voi")}).isEmpty());
+}
+
+TEST_F(PrintFileInterpreterTest, CardPaymentsAreRefusedWithAMessageAndNothingIsPaid)
+{
+    PayEftRecord card;
+    card.payId = 2;
+    card.ecrPayment = 3;
+    card.ecrEft = 1;
+    card.active = -1;
+    ASSERT_EQ(WritePayEftRecord(dir.filePath(QStringLiteral("payeft.dat")), card), 0);
+    const QStringList sent = run({QStringLiteral(" pay  2"), QStringLiteral(" tot   2       6.50ΚΑΡΤΑ")});
+    for (const QString& command : sent)
+        EXPECT_FALSE(command.startsWith(QLatin1String("5/"))) << command.toStdString();
+    ASSERT_EQ(link.shownMessages.size(), 2);
+    EXPECT_EQ(link.shownMessages.at(0).first, 99);
+    EXPECT_EQ(link.shownMessages.at(1), link.shownMessages.at(0));
 }
 
 TEST_F(PrintFileInterpreterTest, RawLinesReachTheRegisterAsWrittenAndSndAnswersInTheResultFile)
