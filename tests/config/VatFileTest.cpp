@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QtEndian>
 #include <gtest/gtest.h>
 
 namespace {
@@ -46,9 +45,7 @@ TEST_F(VatFileTest, AMissingOrShortFileReadsAsZeros)
 
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    QByteArray one(8, '\0');
-    qToLittleEndian<double>(24.0, one.data());
-    f.write(one + QByteArray(3, '\x7f'));
+    f.write(QByteArray::fromHex("0000000000003840") + QByteArray(3, '\x7f')); // 24.0 and a torn tail
     f.close();
     EXPECT_EQ(ReadVatsFile(path, rates), 0);
     EXPECT_EQ(rates[0], 24.0);
@@ -86,10 +83,8 @@ TEST(VatBoxes, PointsBecomeCommasAndEveryBoxMustBeANumber)
         EXPECT_EQ(boxes[1], "13,5");
         EXPECT_EQ(rates, (VatRates{24, 13.5, 6.5, 0, 17}));
 
-        QStringList bad{"24", "x", "6", "0", "0"};
-        EXPECT_EQ(VatBoxesToArray(bad, rates, locale), -1);
-        QStringList empty{"24", "13", "6", "", "0"};
-        EXPECT_EQ(VatBoxesToArray(empty, rates, locale), -1);
+        for (QStringList bad : {QStringList{"24", "x", "6", "0", "0"}, QStringList{"24", "13", "6", "", "0"}})
+            EXPECT_EQ(VatBoxesToArray(bad, rates, locale), -1);
     }
     EXPECT_EQ(VatBoxText(6.5, kGreek), "6,5");
     EXPECT_EQ(VatBoxText(24, kEnglish), "24");

@@ -1,4 +1,5 @@
 #include "FakeTransport.h"
+#include "ScriptedOperator.h"
 
 #include "link/SerialExchange.h"
 #include "link/SerialFrame.h"
@@ -6,7 +7,6 @@
 #include "link/clsNet_TCP.h"
 #include "shell/CommunicationLog.h"
 #include "shell/ModuleVariables.h"
-#include "ScriptedOperator.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -16,13 +16,27 @@ namespace {
 
 const QByteArray kEnq(1, 0x05);
 const QByteArray kAck(1, 0x06);
-const QByteArray kNack(1, 0x15);
 QByteArray replyFrame(const QByteArray& text) { return "\x02" + text + "\x03"; }
 
-class SerialExchangeTest : public ::testing::Test {
+class ExchangeTest : public ::testing::Test {
 protected:
-    SerialExchangeTest() { vars.DebugEnabled = true; }
+    ExchangeTest() { vars.DebugEnabled = true; }
+    QByteArray logBytes() const
+    {
+        QFile f(log.filePath());
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
 
+    VirtualClock clock;
+    ModuleVariables vars;
+    QTemporaryDir dir;
+    CommunicationLog log{dir.path(), vars};
+    qint16 status = 99;
+    QString reply;
+};
+
+class SerialExchangeTest : public ExchangeTest {
+protected:
     // A register that answers each ENQ with ACK after 5 ms; frameReply decides
     // what follows the n-th frame (from 1).
     void device(std::function<void(int frame)> frameReply)
@@ -38,26 +52,18 @@ protected:
     {
         SerialExchange(port, clock, log).run(FrameCommand(command), status, reply, timeout, false);
     }
-    QByteArray logBytes() const
-    {
-        QFile f(log.filePath());
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
 
-    VirtualClock clock;
-    ModuleVariables vars;
-    QTemporaryDir dir;
-    CommunicationLog log{dir.path(), vars};
     FakeTransport port{clock};
     int frames = 0;
-    qint16 status = 99;
-    QString reply;
     qint16 timeout = 0;
 };
 
-TEST_F(SerialExchangeTest, StatusPollGoesOutFramedAndIsAcknowledged)
+TEST_F(SerialExchangeTest, StatusPollGoesOutFramedIsAcknowledgedAndLogged)
 {
-    device([this](int) { port.deliver(replyFrame("00/00/00/"), 30); });
+    device([this](int) {
+        port.deliver(replyFrame("00/00/00/"), 30);
+        port.deliver(kAck + "Z", 60); // leftovers are drained into the log
+    });
     run("?/");
     EXPECT_EQ(status, 0);
     EXPECT_EQ(reply, "00/00/00/");
@@ -73,26 +79,24 @@ TEST_F(SerialExchangeTest, StatusPollGoesOutFramedAndIsAcknowledged)
     EXPECT_TRUE(logged.contains("20:30 send:     \x02?/10\x03\r\n"));
     EXPECT_TRUE(logged.contains("20:30 reply     00/00/00/\r\n"));
     EXPECT_TRUE(logged.contains("20:30 exres     00/00/00/\r\n20:30 -----------\r\n"));
+    EXPECT_TRUE(logged.contains(" Buf       <ACK>Z\r\n"));
 }
 
-TEST_F(SerialExchangeTest, SilentLineGivesNoEnqAnswerAfterThreeSecondsAndNoFrame)
+TEST_F(SerialExchangeTest, SilentLineGivesNoEnqAnswerAfterTheEnqWaitAndNoFrame)
 {
-    run("?/");
-    EXPECT_EQ(status, -207);
-    EXPECT_EQ(reply, "Αναμονή Απόκρισης Ταμειακής...");
-    EXPECT_TRUE(port.writesStartingWith('\x02').isEmpty());
-    // Deadline and drain: past 3 s, and no more than the last read's 256 ms later.
-    EXPECT_GT(clock.monotonicMs(), 3000);
-    EXPECT_LT(clock.monotonicMs(), 3500 + 256);
-}
-
-TEST_F(SerialExchangeTest, LongerEnqWaitIsHonoured)
-{
-    timeout = 301;
-    run("5/3/1.00////1/1/");
-    EXPECT_EQ(status, -207);
-    EXPECT_GT(clock.monotonicMs(), 301000);
-    EXPECT_LT(clock.monotonicMs(), 302000);
+    // Deadline and drain: past the wait, and no more than the last read's 256 ms later.
+    for (const auto [wait, notBefore, notAfter] :
+         {std::tuple<qint16, qint64, qint64>{0, 3000, 3500 + 256}, {301, 301000, 302000}}) {
+        const qint64 start = clock.monotonicMs();
+        timeout = wait;
+        run("5/3/1.00////1/1/");
+        EXPECT_EQ(status, -207);
+        EXPECT_EQ(reply, "Αναμονή Απόκρισης Ταμειακής...");
+        EXPECT_GT(clock.monotonicMs() - start, notBefore) << wait;
+        EXPECT_LT(clock.monotonicMs() - start, notAfter) << wait;
+    }
+    for (const auto& w : port.writes)
+        EXPECT_EQ(w.bytes, kEnq);
 }
 
 TEST_F(SerialExchangeTest, RegisterThatNeverRepliesGetsFourFramesThreeSecondsApart)
@@ -125,110 +129,89 @@ TEST_F(SerialExchangeTest, ReplyInPiecesIsCollectedUntilEtx)
     EXPECT_EQ(frames, 1);
 }
 
-TEST_F(SerialExchangeTest, ReplyCompletedAfterThreeSecondsCountsAsLost)
+TEST_F(SerialExchangeTest, LateNackOrMisplacedEtxSendsTheFrameAgain)
 {
-    device([this](int n) {
-        if (n == 1) {
-            port.deliver("\x02" "00/00/00/", 100);
-            port.deliver("\x03", 3300);
-        } else {
-            port.deliver(replyFrame("06/00/00/"), 30);
-        }
-    });
-    run("?/");
-    EXPECT_EQ(frames, 2);
-    // The late pieces stay in the buffer ahead of the second reply.
-    EXPECT_EQ(status, 0);
-}
-
-TEST_F(SerialExchangeTest, EtxThatIsNotTheLastByteDoesNotEndTheWait)
-{
-    device([this](int n) {
-        port.deliver(n == 1 ? QByteArray("\x02" "00/00/00/\x03X") : QByteArray("\x03"), 30);
-    });
-    run("?/");
-    EXPECT_EQ(frames, 2);
-    EXPECT_EQ(reply, "00/00/00/X");
-}
-
-TEST_F(SerialExchangeTest, NackIsNoAnswerAndTheFrameGoesOutAgain)
-{
-    device([this](int n) {
-        port.deliver(n == 1 ? kNack : "\x02" "00/\x06" "00/00/\x15\x03", 30);
-    });
-    run("?/");
-    EXPECT_EQ(frames, 2);
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(reply, "00/00/00/");
+    struct Case {
+        const char* why;
+        QList<QPair<QByteArray, int>> first;
+        QByteArray second;
+        const char* reply; // null: only the status counts
+    };
+    const Case cases[] = {
+        // The late pieces stay in the buffer ahead of the second reply.
+        {"completed after 3 s", {{"\x02" "00/00/00/", 100}, {"\x03", 3300}}, replyFrame("06/00/00/"), nullptr},
+        {"ETX not the last byte", {{"\x02" "00/00/00/\x03X", 30}}, "\x03", "00/00/00/X"},
+        {"NACK", {{"\x15", 30}}, "\x02" "00/\x06" "00/00/\x15\x03", "00/00/00/"},
+    };
+    for (const Case& c : cases) {
+        frames = 0;
+        device([&](int n) {
+            if (n == 1)
+                for (const auto& [bytes, delay] : c.first)
+                    port.deliver(bytes, delay);
+            else
+                port.deliver(c.second, 30);
+        });
+        run("?/");
+        EXPECT_EQ(frames, 2) << c.why;
+        EXPECT_EQ(status, 0) << c.why;
+        if (c.reply)
+            EXPECT_EQ(reply, c.reply) << c.why;
+        clock.advance(10000); // let anything left drain before the next case
+        port.read(4096);
+    }
 }
 
 TEST_F(SerialExchangeTest, LongFrameGoesOutInPiecesOf255)
 {
     device([this](int) { port.deliver(replyFrame("00/00/00/"), 30); });
-    const QString command = QString(296, u'Α');
-    SerialExchange(port, clock, log).run(FrameCommand(command), status, reply, timeout, false);
+    run(QString(296, u'Α'));
     ASSERT_GE(port.writes.size(), 3);
     EXPECT_EQ(port.writes[1].bytes.size(), 255);
     EXPECT_EQ(port.writes[2].bytes.size(), 45);
     EXPECT_EQ(uchar(port.writes[1].bytes.at(1)), 0xC1);
 }
 
-TEST_F(SerialExchangeTest, LeftoverBytesAreDrainedAndLogged)
-{
-    device([this](int) {
-        port.deliver(replyFrame("00/00/00/"), 30);
-        port.deliver(kAck + "Z", 60);
-    });
-    run("?/");
-    EXPECT_TRUE(logBytes().contains(" Buf       <ACK>Z\r\n"));
-}
-
-class TcpExchangeTest : public ::testing::Test {
+class TcpExchangeTest : public ExchangeTest {
 protected:
     TcpExchangeTest()
     {
-        vars.DebugEnabled = true;
         net.RemoteHostIP = "127.0.0.1";
         net.RemotePort = 9101;
     }
-    FakeTransport& open()
+    FakeTransport& open(bool answers = false)
     {
         EXPECT_EQ(net.OpenConnection(), 0);
-        return *factory.made.back();
+        FakeTransport& t = *factory.made.back();
+        if (answers)
+            t.onWrite = [&t](const QByteArray&) { t.deliver("\x02" "00/00/00/\x03", 5); };
+        return t;
     }
     void run(const QString& command) { TcpExchange(net, clock, log).run(command, status, reply, false); }
 
-    VirtualClock clock;
-    ModuleVariables vars;
-    QTemporaryDir dir;
-    CommunicationLog log{dir.path(), vars};
     ScriptedOperator op;
     FakeFactory factory{clock};
     clsNet_TCP net{factory, log, clock, op, vars};
-    qint16 status = 99;
-    QString reply;
 };
 
-TEST_F(TcpExchangeTest, PlainCommandAndReplyWithoutFrameOrAck)
+TEST_F(TcpExchangeTest, PlainCommandAndReplyWithoutFrameOrAckAndPaymentsWait200Ms)
 {
-    FakeTransport& t = open();
-    t.onWrite = [&t](const QByteArray&) { t.deliver("\x02" "00/00/00/\x03", 5); };
+    FakeTransport& t = open(true);
     run("?/");
     EXPECT_EQ(status, 0);
     EXPECT_EQ(reply, "00/00/00/");
     ASSERT_EQ(t.writes.size(), 1);
     EXPECT_EQ(t.writes[0].bytes, QByteArray("?/"));
     EXPECT_EQ(t.writes[0].atMs, 10);
-}
 
-TEST_F(TcpExchangeTest, PaymentCommandWaits200MsAfterSending)
-{
-    FakeTransport& t = open();
+    // With a register that answers at once, a payment takes 200 ms longer.
     t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/"); };
+    qint64 start = clock.monotonicMs();
     run("?/");
-    const qint64 poll = clock.monotonicMs();
+    const qint64 poll = clock.monotonicMs() - start;
+    start = clock.monotonicMs();
     run("5/1/0.00////");
-    EXPECT_EQ(clock.monotonicMs() - poll, poll + 200);
+    EXPECT_EQ(clock.monotonicMs() - start, poll + 200);
 }
 
 TEST_F(TcpExchangeTest, SplitReplyFirstPieceIsTheReplyAndTheRestGoesToTheNextCommand)
@@ -243,7 +226,7 @@ TEST_F(TcpExchangeTest, SplitReplyFirstPieceIsTheReplyAndTheRestGoesToTheNextCom
     EXPECT_EQ(status, 6);
 }
 
-TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySeconds)
+TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySecondsButAClosingPeerEndsAtOnce)
 {
     FakeTransport& t = open();
     run("?/");
@@ -251,22 +234,18 @@ TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySeconds)
     EXPECT_EQ(reply, "Ο Φορολ. Μηχανισμός δεν Απαντά σε εντολή !");
     EXPECT_EQ(t.writes.size(), 4);
     EXPECT_NEAR(double(clock.monotonicMs()), 40000.0, 2100.0);
-}
 
-TEST_F(TcpExchangeTest, PeerThatClosesEndsAtOnceWithoutResend)
-{
-    FakeTransport& t = open();
-    t.closeAtMs = 1000;
+    FakeTransport& closing = open();
+    closing.closeAtMs = clock.monotonicMs() + 1000;
     run("?/");
     EXPECT_EQ(status, -4);
-    EXPECT_EQ(t.writes.size(), 1);
-    EXPECT_LT(clock.monotonicMs(), 1100);
+    EXPECT_EQ(closing.writes.size(), 1);
+    EXPECT_LT(clock.monotonicMs(), closing.closeAtMs + 100);
 }
 
 TEST_F(TcpExchangeTest, FailedSendReopensTheConnection)
 {
-    FakeTransport& broken = open();
-    broken.failWrites = true;
+    open().failWrites = true;
     factory.script = [](FakeTransport& t) {
         t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/"); };
     };
@@ -274,9 +253,7 @@ TEST_F(TcpExchangeTest, FailedSendReopensTheConnection)
     EXPECT_EQ(status, 0);
     EXPECT_EQ(factory.tcpConnects, 2);
     EXPECT_TRUE(op.messages.isEmpty());
-    QFile f(log.filePath());
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(f.readAll().contains(" reOpen TCP: 0\r\n"));
+    EXPECT_TRUE(logBytes().contains(" reOpen TCP: 0\r\n"));
 }
 
 TEST_F(TcpExchangeTest, SendThatFailsFourTimesTellsTheOperator)
@@ -284,7 +261,7 @@ TEST_F(TcpExchangeTest, SendThatFailsFourTimesTellsTheOperator)
     open().failWrites = true;
     factory.nextStatus = -6;
     vars.DeviceLabel = "Delta [DNT1]";
-    TcpExchange(net, clock, log).run("?/", status, reply, false);
+    run("?/");
     EXPECT_EQ(status, -4);
     EXPECT_EQ(factory.tcpConnects, 1 + 4 * 4);
     ASSERT_EQ(op.messages.size(), 4);
@@ -294,8 +271,7 @@ TEST_F(TcpExchangeTest, SendThatFailsFourTimesTellsTheOperator)
 
 TEST_F(TcpExchangeTest, NothingBeyond2049BytesIsTaken)
 {
-    FakeTransport& t = open();
-    t.deliver("00/00/00/" + QByteArray(3000, 'x'));
+    open().deliver("00/00/00/" + QByteArray(3000, 'x'));
     run("?/");
     EXPECT_EQ(reply.size(), 2049);
 }

@@ -7,7 +7,6 @@
 #include <QList>
 #include <deque>
 #include <functional>
-#include <limits>
 
 // A byte pipe on the virtual clock. The "device" behind it is the onWrite
 // script, which schedules bytes with deliver(). Reads follow the serial read
@@ -18,7 +17,6 @@ public:
         qint64 atMs;
         QByteArray bytes;
     };
-
     explicit FakeTransport(VirtualClock& clock) : clock_(clock) {}
 
     std::function<void(const QByteArray& written)> onWrite;
@@ -26,105 +24,73 @@ public:
     bool failWrites = false;
     qint64 closeAtMs = -1;
 
-    void deliver(const QByteArray& bytes, qint64 delayMs = 0)
-    {
-        pending_.push_back({clock_.monotonicMs() + delayMs, bytes});
-    }
-
-    QList<QByteArray> writesStartingWith(char first) const
-    {
-        QList<QByteArray> out;
-        for (const auto& w : writes)
-            if (w.bytes.startsWith(first))
-                out << w.bytes;
-        return out;
-    }
+    void deliver(const QByteArray& bytes, qint64 delayMs = 0) { pending_.push_back({now() + delayMs, bytes}); }
 
     qint64 write(const QByteArray& data) override
     {
         if (failWrites)
             return -1;
-        writes.append({clock_.monotonicMs(), data});
+        writes.append({now(), data});
         if (onWrite)
             onWrite(data);
         return data.size();
     }
-
     QByteArray read(int maxBytes) override
     {
         if (peerClosed())
             return {};
-        const qint64 first = nextAt();
-        if (first > now() + 256) {
+        if (nextAt() > now() + 256) {
             clock_.advance(256);
             return {};
         }
-        clock_.advance(first - now());
+        clock_.advance(nextAt() - now());
         QByteArray out;
         while (out.size() < maxBytes && nextAt() <= now() + 20) {
             clock_.advance(nextAt() - now());
-            Chunk& c = pending_.front();
-            const int take = std::min<int>(maxBytes - out.size(), c.bytes.size());
-            out += c.bytes.left(take);
-            c.bytes.remove(0, take);
-            if (c.bytes.isEmpty())
+            QByteArray& chunk = pending_.front().bytes;
+            const int take = std::min<int>(maxBytes - out.size(), chunk.size());
+            out += chunk.left(take);
+            chunk.remove(0, take);
+            if (chunk.isEmpty())
                 pending_.pop_front();
         }
         clock_.advance(20);
         return out;
     }
-
     bool waitForData(int timeoutMs) override
     {
         const qint64 at = std::min(nextAt(), closeAtMs < 0 ? kNever : closeAtMs);
-        if (at <= now() + timeoutMs) {
-            clock_.advance(at - now());
-            return true;
-        }
-        clock_.advance(timeoutMs);
-        return false;
+        clock_.advance(std::max<qint64>(0, std::min<qint64>(at - now(), timeoutMs)));
+        return at <= now();
     }
-
     bool peerClosed() const override { return closeAtMs >= 0 && now() >= closeAtMs; }
-    void close() override { ++closes; }
-    int closes = 0;
+    void close() override {}
 
 private:
-    static constexpr qint64 kNever = std::numeric_limits<qint64>::max() / 2;
+    static constexpr qint64 kNever = qint64(1) << 60;
     struct Chunk {
         qint64 atMs;
         QByteArray bytes;
     };
     qint64 now() const { return clock_.monotonicMs(); }
-    qint64 nextAt() const
-    {
-        if (pending_.empty())
-            return kNever;
-        return std::max(pending_.front().atMs, now());
-    }
+    qint64 nextAt() const { return pending_.empty() ? kNever : std::max(pending_.front().atMs, now()); }
 
     VirtualClock& clock_;
     std::deque<Chunk> pending_;
 };
 
-// Hands out scripted pipes and counts the openings.
+// Hands out scripted pipes and counts the TCP connections.
 class FakeFactory final : public TransportFactory {
 public:
     explicit FakeFactory(VirtualClock& clock) : clock_(clock) {}
 
     qint16 nextStatus = 0;
-    int serialOpens = 0;
     int tcpConnects = 0;
-    QString lastDevice;
-    // Called for every new pipe so the test can script the device behind it.
-    std::function<void(FakeTransport&)> script;
+    std::function<void(FakeTransport&)> script; // scripts the device behind each new pipe
     QList<FakeTransport*> made;
 
-    std::unique_ptr<Transport> openSerial(const QString& device, const QString&,
-                                          qint16& status) override
+    std::unique_ptr<Transport> openSerial(const QString&, const QString&, qint16& status) override
     {
-        ++serialOpens;
-        lastDevice = device;
         return make(status);
     }
     std::unique_ptr<Transport> connectTcp(const QString&, quint16, qint16& status) override

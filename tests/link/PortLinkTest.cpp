@@ -14,7 +14,7 @@
 
 namespace {
 
-// A register behind a TCP link: each command is answered from its own queue of
+// A register behind the link: each command is answered from its own queue of
 // replies (the last one repeats); commands without a queue get "00/00/00/".
 class PortLinkTest : public ::testing::Test {
 protected:
@@ -25,44 +25,36 @@ protected:
         vars.baud = "9600";
         factory.script = [this](FakeTransport& t) {
             t.onWrite = [this, &t](const QByteArray& w) {
-                if (w.size() == 1 && w.at(0) == 0x05) { // serial ENQ
+                if (w == "\x05") { // serial ENQ
                     t.deliver("\x06", 5);
                     return;
                 }
-                QByteArray command = w;
-                if (command.startsWith('\x02'))
-                    command = command.mid(1, command.size() - 4);
-                sent << QString::fromLatin1(command);
-                t.deliver(answerFor(QString::fromLatin1(command)).toLatin1() + "\x03", 5);
+                const QString command = QString::fromLatin1(w.startsWith('\x02') ? w.mid(1, w.size() - 4) : w);
+                sent << command;
+                auto& q = replies[command];
+                const QString answer = q.empty() ? "00/00/00/" : q.front();
+                if (q.size() > 1)
+                    q.pop_front();
+                t.deliver(answer.toLatin1() + "\x03", 5);
             };
         };
     }
-    QString answerFor(const QString& command)
+    void open(const QString& port = "127.0.0.1:9101")
     {
-        auto& q = replies[command];
-        if (q.empty())
-            return "00/00/00/";
-        const QString a = q.front();
-        if (q.size() > 1)
-            q.pop_front();
-        return a;
-    }
-    void openTcp()
-    {
-        link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
+        link.OpenDeviceLink(port, status, reply, false);
         ASSERT_EQ(status, 0);
         sent.clear();
     }
     void send(const QString& command, bool quiet = false, int logMode = 0)
     {
-        qint16 timeout = 0;
         link.SendCommand(command, status, reply, quiet, timeout, logMode);
     }
-    QByteArray resultFile() const
+    QByteArray fileBytes(const QString& path) const
     {
-        QFile f(vars.ResultPath);
+        QFile f(path);
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
+    QByteArray resultFile() const { return fileBytes(vars.ResultPath); }
 
     VirtualClock clock;
     ModuleVariables vars;
@@ -75,18 +67,18 @@ protected:
     std::map<QString, std::deque<QString>> replies;
     QStringList sent;
     qint16 status = 99;
+    qint16 timeout = 0;
     QString reply;
 };
 
 TEST_F(PortLinkTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
 {
-    openTcp();
+    open();
     replies["3/S/A//1.000/1.00/1/24.00/"] = {"2C/00/00/", "00/00/00/"};
     replies["?/"] = {"2C/00/00/", "00/00/00/"};
     send("3/S/A//1.000/1.00/1/24.00/");
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(sent, QStringList({"3/S/A//1.000/1.00/1/24.00/", "?/", "?/",
-                                 "3/S/A//1.000/1.00/1/24.00/"}));
+    EXPECT_EQ(sent, QStringList({"3/S/A//1.000/1.00/1/24.00/", "?/", "?/", "3/S/A//1.000/1.00/1/24.00/"}));
     ASSERT_GE(op.waitEvents.size(), 3);
     EXPECT_EQ(op.waitEvents[0].caption, "Μήνυμα Ταμειακής (" + vars.DeviceLabel + ")");
     EXPECT_EQ(op.waitEvents[0].stateLine, "Status [44]");
@@ -94,11 +86,10 @@ TEST_F(PortLinkTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
     EXPECT_EQ(op.waitEvents.back().kind, ScriptedOperator::WaitEvent::Close);
     EXPECT_FALSE(link.WaitFormOpen());
     EXPECT_TRUE(resultFile().isEmpty());
-}
 
-TEST_F(PortLinkTest, QuietCommandReturnsAtOnceWithNothingShownOrResent)
-{
-    openTcp();
+    // A quiet command returns at once with nothing shown or resent.
+    op.waitEvents.clear();
+    sent.clear();
     replies["x/7///"] = {"2C/00/00/"};
     send("x/7///", true, 1);
     EXPECT_EQ(status, 44);
@@ -109,7 +100,7 @@ TEST_F(PortLinkTest, QuietCommandReturnsAtOnceWithNothingShownOrResent)
 
 TEST_F(PortLinkTest, BusyStatusBitWaitsButIsNotResent)
 {
-    openTcp();
+    open();
     replies["5/1/2.00////"] = {"00/01/00/"};
     send("5/1/2.00////");
     EXPECT_EQ(status, 252);
@@ -119,7 +110,7 @@ TEST_F(PortLinkTest, BusyStatusBitWaitsButIsNotResent)
 
 TEST_F(PortLinkTest, RefusalShowsFortyCharactersUnderTheDeviceLabelAndLogsTheResult)
 {
-    openTcp();
+    open();
     replies["q/"] = {"06/00/00/"};
     send("q/");
     EXPECT_EQ(status, 6);
@@ -140,7 +131,7 @@ TEST_F(PortLinkTest, RefusalShowsFortyCharactersUnderTheDeviceLabelAndLogsTheRes
 
 TEST_F(PortLinkTest, OperatorClosingTheWindowCountsAsCleared)
 {
-    openTcp();
+    open();
     replies["3/S/X"] = {"1A/00/00/", "00/00/00/"};
     op.closeWaitWindowAfterChecks = 0;
     send("3/S/X");
@@ -150,7 +141,7 @@ TEST_F(PortLinkTest, OperatorClosingTheWindowCountsAsCleared)
 
 TEST_F(PortLinkTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds)
 {
-    openTcp();
+    open();
     replies["5/3/9.00///1/1/"] = {"C1/00/00/"};
     replies["?/"] = {"CF/00/00/", "00/00/04/", "00/00/00/"};
     send("5/3/9.00///1/1/", false, 2);
@@ -158,40 +149,38 @@ TEST_F(PortLinkTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds)
     EXPECT_EQ(op.waitEvents[1].stateLine, "Αναμονή EFTPOS[207]");
     EXPECT_EQ(op.waitEvents.size(), 3); // open, one update, close: 251 touched nothing
     EXPECT_GE(clock.monotonicMs(), 3 * 2000 + 10000);
-    QFile f(log.filePath());
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(f.readAll().contains(" open Receipt, wait 10s\r\n"));
+    EXPECT_TRUE(fileBytes(log.filePath()).contains(" open Receipt, wait 10s\r\n"));
 }
 
 TEST_F(PortLinkTest, SerialErrLineCarriesTheFrameAndTimeoutZeroBecomesThree)
 {
-    link.OpenDeviceLink("com1", status, reply, false);
-    ASSERT_EQ(status, 0);
-    EXPECT_EQ(factory.lastDevice, "/dev/ttyS0");
+    open("com1");
     EXPECT_FALSE(link.tcpPort());
     replies["q/"] = {"06/00/00/"};
-    qint16 timeout = 0;
-    link.SendCommand("q/", status, reply, true, timeout, 0);
+    send("q/", true);
     EXPECT_EQ(timeout, 3);
     EXPECT_TRUE(resultFile().startsWith("Err = 6, [\x02q/60\x03] DateTime = "));
 }
 
 TEST_F(PortLinkTest, OpenFailuresGiveStatusAndText)
 {
-    factory.nextStatus = -1;
-    link.OpenDeviceLink("com1", status, reply, false);
-    EXPECT_EQ(status, -1);
-    EXPECT_EQ(reply, "Πρόβλημα στην Θύρα :com1");
-    EXPECT_EQ(op.messages.back().title, "Μύνημα Kerbano");
-    factory.nextStatus = -2;
-    link.OpenDeviceLink("COM2", status, reply, false);
-    EXPECT_EQ(reply, "Πρόβλημα στο Set-Up τής Θύρας :COM2");
-    factory.nextStatus = -6;
-    link.OpenDeviceLink("10.0.0.9:9101", status, reply, false);
-    EXPECT_EQ(status, -6);
-    EXPECT_EQ(reply, "Λάθος κατά την σύνδεση με την ταμειακή ");
-    EXPECT_FALSE(link.isConnected());
-
+    const struct {
+        qint16 status;
+        const char* port;
+        const char* text;
+    } cases[] = {{-1, "com1", "Πρόβλημα στην Θύρα :com1"},
+                 {-2, "COM2", "Πρόβλημα στο Set-Up τής Θύρας :COM2"},
+                 {-6, "10.0.0.9:9101", "Λάθος κατά την σύνδεση με την ταμειακή "}};
+    EXPECT_TRUE(op.messages.isEmpty());
+    for (const auto& c : cases) {
+        factory.nextStatus = c.status;
+        link.OpenDeviceLink(c.port, status, reply, false);
+        EXPECT_EQ(status, c.status);
+        EXPECT_EQ(reply, c.text);
+        EXPECT_FALSE(link.isConnected());
+    }
+    EXPECT_EQ(op.messages.first().title, "Μύνημα Kerbano");
+    // A port without its number is refused before any opening, silently.
     const int shown = op.messages.size();
     link.OpenDeviceLink("10.0.0.9", status, reply, false);
     EXPECT_EQ(status, PortLink::kStatusBadPortSetting);
@@ -204,51 +193,46 @@ TEST_F(PortLinkTest, IdentificationNamesTheModelAndProbesTheEdition)
 {
     replies["a/"] = {"00/00/00/123/x/DNT/"};
     replies["\"/0/290/1/Kerbano V11.12//"] = {"06/00/00/"};
-    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
-    EXPECT_EQ(status, 0);
+    open();
     EXPECT_EQ(form.label2(), "Delta [DNT123]");
     EXPECT_EQ(vars.DeviceLabel, "Delta [DNT123]");
     EXPECT_TRUE(vars.spRet);
 
     link.CloseDeviceLink();
     replies.erase("\"/0/290/1/Kerbano V11.12//");
-    sent.clear();
     link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
     EXPECT_EQ(form.label2(), "Delta Rest [DNT123]");
     EXPECT_FALSE(vars.spRet);
-    EXPECT_EQ(sent, QStringList({"a/", "\"/0/290/1/Kerbano V11.12//", "&/0/290//////////////",
-                                 "5/1/0.00////"}));
+    EXPECT_EQ(sent, QStringList({"a/", "\"/0/290/1/Kerbano V11.12//", "&/0/290//////////////", "5/1/0.00////"}));
 }
 
-TEST_F(PortLinkTest, ModelsWithoutEditionsSendNoProbe)
+TEST_F(PortLinkTest, ModelsWithoutEditionsSendNoProbeAndAFailedIdentificationCloses)
 {
-    replies["a/"] = {"00/00/00/77/x/CCQ/"};
-    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
-    EXPECT_EQ(form.label2(), "Mirka [CCQ77]");
-    EXPECT_EQ(sent, QStringList({"a/"}));
-
-    link.CloseDeviceLink();
-    replies["a/"] = {"00/00/00/77/x/ccq/"};
-    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
-    EXPECT_EQ(form.label2(), "Ταμειακή [ccq77]");
-}
-
-TEST_F(PortLinkTest, FailedIdentificationClosesTheLink)
-{
-    replies["a/"] = {"06/00/00/"};
-    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
-    EXPECT_EQ(status, 6);
-    EXPECT_FALSE(link.isConnected());
-    EXPECT_EQ(form.label2(), "...");
+    const struct {
+        const char* answer;
+        qint16 status;
+        const char* label;
+    } cases[] = {{"06/00/00/", 6, "..."}, // the label is left as it was
+                 {"00/00/00/77/x/CCQ/", 0, "Mirka [CCQ77]"},
+                 {"00/00/00/77/x/ccq/", 0, "Ταμειακή [ccq77]"}};
+    for (const auto& c : cases) {
+        sent.clear();
+        replies["a/"] = {c.answer};
+        link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
+        EXPECT_EQ(status, c.status);
+        EXPECT_EQ(form.label2(), c.label);
+        EXPECT_EQ(sent, QStringList({"a/"}));
+        EXPECT_EQ(link.isConnected(), c.status == 0);
+        link.CloseDeviceLink();
+    }
 }
 
 TEST_F(PortLinkTest, WaitForRegisterReleasesAReceiptThatAnswers70)
 {
-    openTcp();
+    open();
     replies["5/1/0.00////"] = {"1A/00/00/", "46/00/00/"};
     EXPECT_EQ(WaitForRegister(link, op, clock), 0);
-    EXPECT_EQ(sent, QStringList({"5/1/0.00////", "5/1/0.00////", ")/15/", ")/71/", ")/15/",
-                                 ")/15/"}));
+    EXPECT_EQ(sent, QStringList({"5/1/0.00////", "5/1/0.00////", ")/15/", ")/71/", ")/15/", ")/15/"}));
     EXPECT_EQ(op.waitEvents.first().caption, "Μήνυμα Ταμειακής (Αναμονή ολοκλήρωσης ταμειακής)");
     EXPECT_EQ(op.waitEvents.last().kind, ScriptedOperator::WaitEvent::Close);
 }

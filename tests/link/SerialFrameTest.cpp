@@ -16,16 +16,13 @@ TEST(CheckDigits, GoldenFrames)
     EXPECT_EQ(FrameCommand("a/"), framed("a/", "44"));
     EXPECT_EQ(FrameCommand("x/1/1/99999/"), framed("x/1/1/99999/", "79"));
     EXPECT_EQ(FrameCommand("z/1/2600/"), framed("z/1/2600/", "00"));
+    // Outer blanks go on the wire but not into the sum.
+    EXPECT_EQ(FrameCommand(" ?/ "), framed(" ?/ ", "10"));
     // Byte sum first (356 -> 100), then modulo 100; 199 stays 99.
     EXPECT_EQ(CheckDigits("ddd8"), 0);
     EXPECT_EQ(CheckDigits("cd"), 99);
     // Greek goes in as its Windows-1253 byte: Α is 0xC1.
     EXPECT_EQ(CheckDigits(QStringLiteral("Α")), 0xC1 % 100);
-}
-
-TEST(CheckDigits, OuterBlanksGoOnTheWireButNotIntoTheSum)
-{
-    EXPECT_EQ(FrameCommand(" ?/ "), framed(" ?/ ", "10"));
 }
 
 TEST(CheckDigits, CharacterOutsideTheCodePageIsReportedAndSummedAsQuestionMark)
