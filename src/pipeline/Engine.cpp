@@ -1,6 +1,7 @@
 #include "pipeline/Engine.h"
 
 #include "config/ParamFileReader.h"
+#include "config/RegionalNumber.h"
 #include "link/DeviceLink.h"
 #include "operations/FPrinter.h"
 #include "pipeline/CommandLine.h"
@@ -35,6 +36,7 @@ const QString kParamFileName = QStringLiteral("param.ini");
 const QString kBatchFile = QStringLiteral("\\kerbano\\cop2ker.bat");
 constexpr int kHighestNumberedFile = 10;
 constexpr int kMaxProgress = 32767;
+constexpr int kAmountDecimals = 2;
 
 const QStringList kMenuOffWhenLinkFailed = {
     QStringLiteral("help"),  QStringLiteral("Ver"),  QStringLiteral("reports"),
@@ -53,10 +55,6 @@ int deviceTypeOf(const QString& ecrt)
     return 0;
 }
 
-QString formatAmount(double amount)
-{
-    return QString::number(amount == 0.0 ? 0.0 : amount, 'f', 2);
-}
 } // namespace
 
 Engine::Engine(Clock& clock, Operator& person, FormModel& form, EngineOptions options, QObject* parent)
@@ -520,7 +518,7 @@ void Engine::closeJob()
     const int recStatus = figures.amount != 0.0 ? 1 : 0;
     state_.TableMode = 0;
     state_.setCurrentTable(-1);
-    writeResultLine(QStringLiteral("recStatus = %1;%2").arg(recStatus).arg(formatAmount(figures.amount)));
+    writeResultLine(QStringLiteral("recStatus = %1;%2").arg(recStatus).arg(FormatDeviceNumber(figures.amount, kAmountDecimals)));
     writeResultLine(QStringLiteral("receipt = %1, %2, %3")
                         .arg(figures.recNumberProgr)
                         .arg(figures.recNumberDaily)

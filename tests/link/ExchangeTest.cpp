@@ -85,7 +85,7 @@ TEST_F(SerialExchangeTest, StatusPollGoesOutFramedIsAcknowledgedAndLogged)
 TEST_F(SerialExchangeTest, SilentLineGivesNoEnqAnswerAfterTheEnqWaitAndNoFrame)
 {
     // Deadline and drain: past the wait, and no more than the last read's 256 ms later.
-    for (const auto [wait, notBefore, notAfter] :
+    for (const auto& [wait, notBefore, notAfter] :
          {std::tuple<qint16, qint64, qint64>{0, 3000, 3500 + 256}, {301, 301000, 302000}}) {
         const qint64 start = clock.monotonicMs();
         timeout = wait;
@@ -155,8 +155,9 @@ TEST_F(SerialExchangeTest, LateNackOrMisplacedEtxSendsTheFrameAgain)
         run("?/");
         EXPECT_EQ(frames, 2) << c.why;
         EXPECT_EQ(status, 0) << c.why;
-        if (c.reply)
+        if (c.reply) {
             EXPECT_EQ(reply, c.reply) << c.why;
+        }
         clock.advance(10000); // let anything left drain before the next case
         port.read(4096);
     }

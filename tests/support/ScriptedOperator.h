@@ -62,9 +62,12 @@ public:
         inputPrompts.append(prompt);
         if (inputs.empty())
             return initial;
-        auto v = inputs.front();
+        const bool answered = inputs.front().has_value();
+        const QString text = answered ? *inputs.front() : QString();
         inputs.pop_front();
-        return v;
+        if (!answered)
+            return std::nullopt;
+        return text;
     }
     std::optional<int> choose(const QString&, const QString& prompt, const QStringList&) override
     {
