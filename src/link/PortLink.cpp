@@ -1,6 +1,7 @@
 #include "link/PortLink.h"
 
 #include "link/DeviceStatusClass.h"
+#include "link/LinkMessageTitle.h"
 #include "link/PortAddress.h"
 #include "link/SerialExchange.h"
 #include "link/SerialFrame.h"
@@ -166,7 +167,7 @@ void PortLink::openTcp(const QString& address, quint16 tcpPort, qint16& status, 
     reply = tcpOpenText(status);
     if (status != 0) {
         if (!quiet)
-            op_.message(vars_.DeviceLabel, reply, Operator::Icon::Critical);
+            op_.message(LinkMessageTitle(vars_), reply, Operator::Icon::Critical);
         return;
     }
     port_.comHandle.reset();

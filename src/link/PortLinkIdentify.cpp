@@ -1,6 +1,7 @@
 // Who the register is: the model shown on the main form and used as the title
 // of the link's messages, and the edition probe of the models that have two.
 #include "link/DeviceModel.h"
+#include "link/LinkMessageTitle.h"
 #include "link/PortLink.h"
 #include "link/WaitForRegister.h"
 #include "operations/LinkCommands.h"
@@ -83,7 +84,7 @@ void PortLink::Ver()
     if (status != 0)
         return;
     const QStringList fields = reply.split(u'/');
-    op_.message(vars_.DeviceLabel,
+    op_.message(LinkMessageTitle(vars_),
                 QStringLiteral("Version POS                : ") + fields.value(kVersionPosField)
                     + u'\r' + QStringLiteral("Version Πρωτοκόλλου : ")
                     + fields.value(kVersionProtocolField),

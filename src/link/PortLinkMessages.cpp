@@ -2,6 +2,7 @@
 // device-wait window (frmErr) that polls the register until it clears.
 #include "link/DeviceStatusClass.h"
 #include "link/LinkLogStamp.h"
+#include "link/LinkMessageTitle.h"
 #include "link/PortLink.h"
 #include "operations/LinkCommands.h"
 #include "shell/CommunicationLog.h"
@@ -33,7 +34,7 @@ void PortLink::ShowDeviceMessage(qint16 status, const QString& reply)
 {
     if (!IsWaitStatus(status)) {
         const QString shown = reply.left(kMessageWidth).leftJustified(kMessageWidth, u' ');
-        op_.message(vars_.DeviceLabel,
+        op_.message(LinkMessageTitle(vars_),
                     QStringLiteral("Λάθος : ") + QString::number(status) + u'\r' + shown,
                     Operator::Icon::Critical, Operator::Buttons::Ok);
         return;

@@ -1,6 +1,7 @@
 #include "link/clsNet_TCP.h"
 
 #include "link/LinkLogStamp.h"
+#include "link/LinkMessageTitle.h"
 #include "link/TcpTransport.h"
 #include "link/TransportFactory.h"
 #include "shell/Clock.h"
@@ -50,7 +51,7 @@ bool clsNet_TCP::SendData(const QByteArray& data)
         log_.PrintCombine(LinkLogStamp(clock_) + QStringLiteral(" reOpen TCP: ")
                           + QString::number(result));
     }
-    op_.message(vars_.DeviceLabel,
+    op_.message(LinkMessageTitle(vars_),
                 QStringLiteral("Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)"),
                 Operator::Icon::Critical);
     return false;
