@@ -12,7 +12,7 @@ struct DocumentFigures {
     double amount = 0.0;
     qint32 recNumberProgr = -1;
     qint16 recNumberDaily = -1;
-    qint16 ordNumber = 0;
+    qint16 ordNumber = -1;
 };
 
 // The parts of a job that other subsystems provide. Each defaults to

@@ -37,7 +37,7 @@ TEST_F(EngineTest, AFileAppearingIsPrintedDeletedAndReportedInItsResultFile)
     EXPECT_EQ(clock.totalSleptMs(), 500);
     EXPECT_EQ(resultLines(QStringLiteral("out/res.txt")),
               (QStringList{"tag = 00417", "DateTime start = 02/01/2026 10:20:30",
-                           "DateTime end = 02/01/2026 10:20:30", "recStatus = 0;0.00", "receipt = -1, -1, 0",
+                           "DateTime end = 02/01/2026 10:20:30", "recStatus = 0;0.00", "receipt = -1, -1, -1",
                            "exitcode = 0"}));
     EXPECT_EQ(form.lblreceipt(), QStringLiteral("-1"));
     EXPECT_EQ(form.lblProgr(), QStringLiteral(" Ολοκληρώθηκε το 100%"));
