@@ -43,13 +43,9 @@ mDocData::mDocData(DeviceLink& link, QLocale locale)
 
 qint16 mDocData::ReadReceiptTotals()
 {
-    qint16 status = 0;
-    QString reply;
-    link_.SendCommand(DeviceCommands::CurrentReceipt(), status, reply);
-    if (status != 0)
-        return -1;
-    const QStringList fields = fieldsOf(reply, kReceiptFields);
-    if (!isWholeNumber(fields[kDailyNumberField]))
+    bool ok = false;
+    const QStringList fields = ask(DeviceCommands::CurrentReceipt(), kReceiptFields, ok);
+    if (!ok || !isWholeNumber(fields[kDailyNumberField]))
         return -1;
     dailyNumber_ = static_cast<qint16>(fields[kDailyNumberField].trimmed().toInt());
     receiptAmount_ = ParseRegionalNumber(fields[kReceiptAmountField], nullptr, locale_);
@@ -63,24 +59,20 @@ double mDocData::ReadRemainingAmount()
 
 qint32 mDocData::ReadProgressiveBase()
 {
-    qint16 status = 0;
-    QString reply;
-    link_.SendCommand(DeviceCommands::Counters(), status, reply);
-    if (status != 0)
-        return -1;
-    const QStringList fields = fieldsOf(reply, kCounterFields);
-    if (!isWholeNumber(fields[kProgressiveField]))
+    bool ok = false;
+    const QStringList fields = ask(DeviceCommands::Counters(), kCounterFields, ok);
+    if (!ok || !isWholeNumber(fields[kProgressiveField]))
         return -1;
     return fields[kProgressiveField].trimmed().toInt() - fields[kLastZField].trimmed().toInt();
 }
 
-QStringList mDocData::tableItems(qint16 table, bool& ok)
+QStringList mDocData::ask(const QString& command, int atLeastFields, bool& ok)
 {
     qint16 status = 0;
     QString reply;
-    link_.SendCommand(DeviceCommands::TableContents(table), status, reply);
+    link_.SendCommand(command, status, reply);
     ok = status == 0;
-    return ok ? reply.split(QLatin1Char('/')) : QStringList();
+    return ok ? fieldsOf(reply, atLeastFields) : QStringList();
 }
 
 QString mDocData::ReadTableAmount(qint16 table)
@@ -88,7 +80,7 @@ QString mDocData::ReadTableAmount(qint16 table)
     if (table < 1)
         return kNoAmount;
     bool ok = false;
-    const QStringList fields = tableItems(table, ok);
+    const QStringList fields = ask(DeviceCommands::TableContents(table), 0, ok);
     if (!ok)
         return kNoAmount;
     double sum = 0.0;
@@ -103,7 +95,7 @@ QString mDocData::ReadTableLastItem(qint16 table)
     if (table < 1)
         return kNoItem;
     bool ok = false;
-    const QStringList fields = tableItems(table, ok);
+    const QStringList fields = ask(DeviceCommands::TableContents(table), 0, ok);
     if (!ok || fields.size() < 2)
         return kNoItem;
     return fields[fields.size() - 2].split(QLatin1Char('|')).value(0);

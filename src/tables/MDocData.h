@@ -26,7 +26,8 @@ public:
     QString ReadTableLastItem(qint16 table);
 
 private:
-    QStringList tableItems(qint16 table, bool& ok);
+    // The reply's fields, at least atLeastFields of them; ok false when refused.
+    QStringList ask(const QString& command, int atLeastFields, bool& ok);
 
     DeviceLink& link_;
     QLocale locale_;

@@ -13,17 +13,20 @@ TEST(CommandLine, SplitsAtCommaOrBlankAndMarksEmptyFields)
     EXPECT_TRUE(commandLineUsable(f));
     EXPECT_TRUE(commandLineStartsBatch(QStringLiteral("com1,9600 print.txt,,TECFP,2101110 `")));
 
-    const JobSettings s = commandLineSettings(f);
-    EXPECT_EQ(s.printCode, QStringLiteral("true A"));
-    EXPECT_EQ(s.printDesc, QStringLiteral("true"));
-    EXPECT_EQ(s.comments, QStringLiteral("fals"));
-    EXPECT_EQ(s.currency, QStringLiteral("1"));
-    EXPECT_EQ(s.keybOff, QStringLiteral("true"));
-    EXPECT_EQ(s.dirDepa, QStringLiteral("true"));
-    EXPECT_EQ(s.quantity, QStringLiteral("fals"));
-    EXPECT_EQ(s.multiType, QStringLiteral("fals"));
-    EXPECT_EQ(s.code, QStringLiteral("true"));
-    EXPECT_TRUE(s.location.isEmpty());
+    JobSettings expected;
+    expected.file = QStringLiteral("print.txt");
+    expected.time = QStringLiteral("e");
+    expected.ecrt = QStringLiteral("TECFP");
+    expected.multiType = QStringLiteral("fals");
+    expected.code = QStringLiteral("true");
+    expected.printCode = QStringLiteral("true A");
+    expected.printDesc = QStringLiteral("true");
+    expected.comments = QStringLiteral("fals");
+    expected.currency = QStringLiteral("1");
+    expected.keybOff = QStringLiteral("true");
+    expected.dirDepa = QStringLiteral("true");
+    expected.quantity = QStringLiteral("fals");
+    EXPECT_EQ(commandLineSettings(f), expected);
 
     EXPECT_FALSE(commandLineUsable(readcoman(QStringLiteral("com1,9600,print.txt,0,TECFP,111111"))));
     EXPECT_FALSE(commandLineUsable(readcoman(QStringLiteral("com1,9600"))));
