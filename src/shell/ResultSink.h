@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+// The job's result file as the parts below the job see it: they hand lines to
+// the one writer, which knows where the file is and whether a job is running.
+class ResultSink {
+public:
+    virtual ~ResultSink() = default;
+    // One line, written behind those before it; a sink with no job in hand drops it.
+    virtual void appendResultLine(const QString& line) = 0;
+};
