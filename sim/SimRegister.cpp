@@ -1,8 +1,8 @@
 #include "SimRegister.h"
 
 #include "StateStore.h"
+#include "Win1253.h"
 #include "shell/Clock.h"
-#include "shell/CodePage.h"
 
 #include <QFile>
 
@@ -52,7 +52,7 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
 {
     Response out;
     const int n = ++received_;
-    QString command = codepage::fromWin1253(raw.left(kMaxCommandBytes));
+    QString command = win1253::decode(raw.left(kMaxCommandBytes));
     command.remove(QLatin1Char('\r')).remove(QLatin1Char('\n')).remove(QChar(0));
     lastCommand_ = command;
     const FaultEffect e = faults_.effectFor(n, command);
@@ -91,7 +91,7 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
         return out;
     }
     journal(command, reply);
-    out.reply = codepage::toWin1253(reply);
+    out.reply = win1253::encode(reply);
     out.delayMs = e.delayMs;
     if (e.splitMs >= 0) {
         out.splitAt = static_cast<int>(out.reply.size() / 2);
@@ -102,7 +102,7 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
 
 void SimRegister::noteBadFrame(const QByteArray& frame)
 {
-    journal(codepage::fromWin1253(frame), QStringLiteral("<NACK> (check digits)"));
+    journal(win1253::decode(frame), QStringLiteral("<NACK> (check digits)"));
 }
 
 void SimRegister::journal(const QString& command, const QString& reply)
