@@ -9,6 +9,13 @@
 // programming (VAT, departments, payments, terminals) and the tables.
 // Money is held in cents and quantities in thousandths, as a register does.
 
+// What the register has room for; arrays are indexed from 1, as the commands count.
+constexpr int kVatCategories = 5;
+constexpr int kMaxDepartment = 50;
+constexpr int kMaxPayment = 10;
+constexpr int kMaxTerminal = 12;
+constexpr int kMaxTable = 290;
+
 struct SaleLine {
     enum Kind : qint32 { Sale, Return, Cancel, Discount, Surcharge };
     qint32 kind = Sale;
@@ -94,14 +101,14 @@ struct CardTransaction {
 };
 
 struct DayFigures {
-    std::array<qint64, 5> gross{};
+    std::array<qint64, kVatCategories> gross{};
     qint64 total = 0;
     qint32 receipts = 0;
     qint64 voids = 0;
     qint64 returns = 0;
     qint64 corrections = 0;
-    std::array<qint64, 51> depCountMilli{};
-    std::array<qint64, 51> depAmount{};
+    std::array<qint64, kMaxDepartment + 1> depCountMilli{};
+    std::array<qint64, kMaxDepartment + 1> depAmount{};
 };
 
 struct RegisterMemory {
@@ -120,10 +127,10 @@ struct RegisterMemory {
     QString lastZStamp;
 
     // programming
-    std::array<qint64, 5> vatRates{2400, 1300, 600, 1700, 900}; // hundredths of a percent
-    std::array<Department, 51> departments{};
-    std::array<PaymentType, 11> payments{};
-    std::array<Terminal, 13> terminals{};
+    std::array<qint64, kVatCategories> vatRates{2400, 1300, 600, 1700, 900}; // hundredths of a percent
+    std::array<Department, kMaxDepartment + 1> departments{};
+    std::array<PaymentType, kMaxPayment + 1> payments{};
+    std::array<Terminal, kMaxTerminal + 1> terminals{};
     std::array<QString, 6> footer{};
     std::array<QString, 2> display{};
     bool taxConnect = false;
@@ -133,7 +140,7 @@ struct RegisterMemory {
 
     // document in hand and tables
     Receipt receipt;
-    std::array<TableRecord, 291> tables{};
+    std::array<TableRecord, kMaxTable + 1> tables{};
     qint32 nextUid = 1;
     qint32 visitTable = 0;   // table taking items now
     qint32 selectedOrder = 0; // line chosen by &/5/
