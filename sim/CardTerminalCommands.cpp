@@ -29,7 +29,7 @@ void CardTerminalCommands::enrol(CommandTable& table)
 
 bool CardTerminalCommands::parseTerminal(const QString& text, int& terminal)
 {
-    return fieldnumbers::parseInt(text, terminal) && terminal >= 1 && terminal <= kMaxTerminal;
+    return fieldnumbers::parseInt(text, terminal) && terminal >= 1 && terminal <= capacity::kTerminals;
 }
 
 bool CardTerminalCommands::approves(const QString& terminalText)

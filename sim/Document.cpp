@@ -63,7 +63,7 @@ void Document::open(Command& c, int kind, int table)
               << paper::rule(QLatin1Char('-'));
 }
 
-void Document::bookIntoDay(std::array<qint64, kVatCategories>& byCategory)
+void Document::bookIntoDay(std::array<qint64, capacity::kVatCategories>& byCategory)
 {
     DayFigures& d = m_.day;
     for (const SaleLine& l : m_.receipt.lines) {
@@ -85,9 +85,9 @@ void Document::bookIntoDay(std::array<qint64, kVatCategories>& byCategory)
     d.receipts += 1;
 }
 
-void Document::printVatAnalysis(Command& c, const std::array<qint64, kVatCategories>& byCategory) const
+void Document::printVatAnalysis(Command& c, const std::array<qint64, capacity::kVatCategories>& byCategory) const
 {
-    for (int i = 0; i < kVatCategories; ++i) {
+    for (int i = 0; i < capacity::kVatCategories; ++i) {
         if (byCategory[i] == 0)
             continue;
         const qint64 rate = m_.vatRates[i];
@@ -103,7 +103,7 @@ void Document::printVatAnalysis(Command& c, const std::array<qint64, kVatCategor
 void Document::close(Command& c)
 {
     Receipt& r = m_.receipt;
-    std::array<qint64, kVatCategories> byCategory{};
+    std::array<qint64, capacity::kVatCategories> byCategory{};
     bookIntoDay(byCategory);
     if (r.change > 0)
         c.printed << row(QStringLiteral("ΡΕΣΤΑ"), money(r.change));
@@ -220,7 +220,7 @@ void Document::addPreCollectionLine(qint64 amount)
 
 Reply Document::pay(Command& c, int number, qint64 amount, const QString& text, int terminal)
 {
-    if (number < 1 || number > kMaxPayment)
+    if (number < 1 || number > capacity::kPayments)
         return Reply::refuse(devicecode::kWrongPayment);
     const PaymentType& pt = m_.payments[number];
     if (!pt.active())

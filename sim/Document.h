@@ -48,8 +48,8 @@ private:
     Reply adjustLastSale(Command& c, SaleLine& adjustment, const Adjustment& a);
     Reply adjustSubtotal(Command& c, SaleLine& adjustment, const Adjustment& a);
     void addPreCollectionLine(qint64 amount);
-    void bookIntoDay(std::array<qint64, kVatCategories>& byCategory);
-    void printVatAnalysis(Command& c, const std::array<qint64, kVatCategories>& byCategory) const;
+    void bookIntoDay(std::array<qint64, capacity::kVatCategories>& byCategory);
+    void printVatAnalysis(Command& c, const std::array<qint64, capacity::kVatCategories>& byCategory) const;
 
     RegisterMemory& m_;
     CardTerminalCommands& cards_;

@@ -30,7 +30,7 @@ void ProgrammingCommands::enrol(CommandTable& table)
 Reply ProgrammingCommands::payment(Command& c)
 {
     int p = 0;
-    if (!fieldnumbers::parseInt(c.field(1), p) || p < 1 || p > kMaxPayment)
+    if (!fieldnumbers::parseInt(c.field(1), p) || p < 1 || p > capacity::kPayments)
         return Reply::refuse(devicecode::kWrongPayment);
     if (m_.receipt.state != Receipt::Closed)
         return Reply::refuse(devicecode::kReceiptOpen);

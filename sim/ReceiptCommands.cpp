@@ -42,7 +42,7 @@ void ReceiptCommands::enrol(CommandTable& table)
 
 int ReceiptCommands::vatIndexOf(qint64 rate) const
 {
-    for (int i = 0; i < kVatCategories; ++i)
+    for (int i = 0; i < capacity::kVatCategories; ++i)
         if (m_.vatRates[i] == rate)
             return i;
     return -1;
@@ -83,7 +83,7 @@ Reply ReceiptCommands::sale(Command& c)
         return Reply::refuse(devicecode::kNeedQuantity);
     if (line.priceCents <= 0)
         return Reply::refuse(devicecode::kWrongPrice);
-    if (line.dep < 1 || line.dep > kMaxDepartment)
+    if (line.dep < 1 || line.dep > capacity::kDepartments)
         return Reply::refuse(devicecode::kWrongDepartment);
     if (!m_.departments[line.dep].active)
         return Reply::refuse(devicecode::kInactiveDepartment);

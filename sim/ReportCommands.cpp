@@ -99,7 +99,7 @@ Reply ReportCommands::dayStatus() const
 Reply ReportCommands::department(const Command& c) const
 {
     int d = 0;
-    if (!parseInt(c.field(1), d) || d < 1 || d > kMaxDepartment)
+    if (!parseInt(c.field(1), d) || d < 1 || d > capacity::kDepartments)
         return Reply::refuse(devicecode::kWrongDepartment);
     const Department& dep = m_.departments[d];
     const QString wholeCount = fieldnumbers::quantity(m_.lastZ.depCountMilli[d]).section(QLatin1Char('.'), 0, 0);
@@ -110,7 +110,7 @@ Reply ReportCommands::department(const Command& c) const
 Reply ReportCommands::payment(const Command& c) const
 {
     int p = 0;
-    if (!parseInt(c.field(1), p) || p < 1 || p > kMaxPayment)
+    if (!parseInt(c.field(1), p) || p < 1 || p > capacity::kPayments)
         return Reply::refuse(devicecode::kWrongPayment);
     const PaymentType& pt = m_.payments[p];
     return Reply::ok({pt.name, pt.shortName, QStringLiteral("0"), pt.mask, QString::number(pt.type), pt.printText});
@@ -120,10 +120,10 @@ void ReportCommands::printDay(Command& c, const QString& title) const
 {
     const DayFigures& f = m_.day;
     c.printed << paper::rule(QLatin1Char('=')) << centred(title) << centred(paper::stamp(c.now));
-    for (int i = 0; i < kVatCategories; ++i)
+    for (int i = 0; i < capacity::kVatCategories; ++i)
         c.printed << row(QStringLiteral("ΦΠΑ %1 %2%").arg(paper::vatLetter(i)).arg(money(m_.vatRates[i])),
                          money(f.gross[i]));
-    for (int d = 1; d <= kMaxDepartment; ++d)
+    for (int d = 1; d <= capacity::kDepartments; ++d)
         if (f.depAmount[d] != 0 || f.depCountMilli[d] != 0)
             c.printed << row(m_.departments[d].name + QStringLiteral(" x") + fieldnumbers::quantity(f.depCountMilli[d]),
                              money(f.depAmount[d]));

@@ -20,7 +20,7 @@ constexpr int kPayFieldsWithTerminal = 18;
 
 bool parseTable(const QString& text, int& table)
 {
-    return parseInt(text, table) && table >= 1 && table <= kMaxTable;
+    return parseInt(text, table) && table >= 1 && table <= capacity::kTables;
 }
 
 QString movedPair(const TableItem& from, const TableItem& to)
