@@ -6,7 +6,7 @@ RegisterMemory RegisterMemory::factory()
     const char* depNames[] = {"", "ΤΜΗΜΑ 1", "ΤΜΗΜΑ 2", "ΤΜΗΜΑ 3", "ΤΜΗΜΑ 4", "ΤΜΗΜΑ 5"};
     for (int d = 1; d <= 5; ++d)
         m.departments[d] = Department{QString::fromUtf8(depNames[d]), d, true};
-    for (int d = 6; d <= 50; ++d)
+    for (int d = 6; d <= capacity::kDepartments; ++d)
         m.departments[d] = Department{QStringLiteral("ΤΜΗΜΑ %1").arg(d), 1, false};
 
     auto pay = [&](int n, const char* name, const char* shortName, const char* mask, int type) {
@@ -18,14 +18,14 @@ RegisterMemory RegisterMemory::factory()
     pay(3, "ΠΡΟΠΛΗΡΩΜΕΝΗ", "ΠΡΟΠ", "100000001", 3);
     pay(4, "ΠΙΣΤΩΣΗ", "ΠΙΣΤ", "100000001", 2);
     pay(5, "ΕΠΙΤΑΓΗ", "ΕΠΙΤ", "100000001", 2);
-    for (int n = 6; n <= 10; ++n)
+    for (int n = 6; n <= capacity::kPayments; ++n)
         m.payments[n] = PaymentType{QStringLiteral("ΠΛΗΡΩΜΗ %1").arg(n), QString(),
                                     QStringLiteral("000000000"), QString(), 2};
 
     m.terminals[1] = Terminal{QStringLiteral("EFT POS 1"), QStringLiteral("192.168.1.50"), true};
-    for (int t = 2; t <= 12; ++t)
+    for (int t = 2; t <= capacity::kTerminals; ++t)
         m.terminals[t] = Terminal{QStringLiteral("EFT POS %1").arg(t), QStringLiteral("0.0.0.0"), false};
-    for (int t = 1; t <= 290; ++t)
+    for (int t = 1; t <= capacity::kTables; ++t)
         m.tables[t].title1 = QStringLiteral("ΤΡΑΠΕΖΙ-%1").arg(t);
     return m;
 }

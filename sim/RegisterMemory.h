@@ -9,6 +9,15 @@
 // programming (VAT, departments, payments, terminals) and the tables.
 // Money is held in cents and quantities in thousandths, as a register does.
 
+// What the register has room for; arrays are indexed from 1, as the commands count.
+namespace capacity {
+constexpr int kVatCategories = 5;
+constexpr int kDepartments = 50;
+constexpr int kPayments = 10;
+constexpr int kTerminals = 12;
+constexpr int kTables = 290;
+} // namespace capacity
+
 struct SaleLine {
     enum Kind : qint32 { Sale, Return, Cancel, Discount, Surcharge };
     qint32 kind = Sale;
@@ -94,14 +103,14 @@ struct CardTransaction {
 };
 
 struct DayFigures {
-    std::array<qint64, 5> gross{};
+    std::array<qint64, capacity::kVatCategories> gross{};
     qint64 total = 0;
     qint32 receipts = 0;
     qint64 voids = 0;
     qint64 returns = 0;
     qint64 corrections = 0;
-    std::array<qint64, 51> depCountMilli{};
-    std::array<qint64, 51> depAmount{};
+    std::array<qint64, capacity::kDepartments + 1> depCountMilli{};
+    std::array<qint64, capacity::kDepartments + 1> depAmount{};
 };
 
 struct RegisterMemory {
@@ -120,10 +129,10 @@ struct RegisterMemory {
     QString lastZStamp;
 
     // programming
-    std::array<qint64, 5> vatRates{2400, 1300, 600, 1700, 900}; // hundredths of a percent
-    std::array<Department, 51> departments{};
-    std::array<PaymentType, 11> payments{};
-    std::array<Terminal, 13> terminals{};
+    std::array<qint64, capacity::kVatCategories> vatRates{2400, 1300, 600, 1700, 900}; // hundredths of a percent
+    std::array<Department, capacity::kDepartments + 1> departments{};
+    std::array<PaymentType, capacity::kPayments + 1> payments{};
+    std::array<Terminal, capacity::kTerminals + 1> terminals{};
     std::array<QString, 6> footer{};
     std::array<QString, 2> display{};
     bool taxConnect = false;
@@ -133,7 +142,7 @@ struct RegisterMemory {
 
     // document in hand and tables
     Receipt receipt;
-    std::array<TableRecord, 291> tables{};
+    std::array<TableRecord, capacity::kTables + 1> tables{};
     qint32 nextUid = 1;
     qint32 visitTable = 0;   // table taking items now
     qint32 selectedOrder = 0; // line chosen by &/5/

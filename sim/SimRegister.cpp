@@ -1,14 +1,14 @@
 #include "SimRegister.h"
 
+#include "DeviceCode.h"
 #include "StateStore.h"
+#include "Win1253.h"
 #include "shell/Clock.h"
-#include "shell/CodePage.h"
 
 #include <QFile>
 
 namespace {
 constexpr int kMaxCommandBytes = 4096;
-constexpr int kTooLongCode = 0x02;
 
 void appendUtf8(const QString& path, const QString& text)
 {
@@ -52,7 +52,7 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
 {
     Response out;
     const int n = ++received_;
-    QString command = codepage::fromWin1253(raw.left(kMaxCommandBytes));
+    QString command = win1253::decode(raw.left(kMaxCommandBytes));
     command.remove(QLatin1Char('\r')).remove(QLatin1Char('\n')).remove(QChar(0));
     lastCommand_ = command;
     const FaultEffect e = faults_.effectFor(n, command);
@@ -69,29 +69,13 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
     for (const QString& card : e.cards)
         model_.queueCardOutcome(card);
 
-    QString reply;
-    if (raw.size() > kMaxCommandBytes) {
-        reply = QStringLiteral("%1/00/00/").arg(kTooLongCode, 2, 16, QLatin1Char('0')).toUpper();
-    } else if (e.code >= 0) {
-        reply = QStringLiteral("%1/00/00/").arg(e.code, 2, 16, QLatin1Char('0')).toUpper();
-    } else {
-        const EcrModel::Outcome o = model_.execute(command, clock_.now());
-        reply = o.reply;
-        print(o.printed);
-        persist();
-    }
-    if (e.status1 || e.status2) {
-        const int s1 = reply.mid(3, 2).toInt(nullptr, 16) | e.status1;
-        const int s2 = reply.mid(6, 2).toInt(nullptr, 16) | e.status2;
-        reply = reply.left(3) + QStringLiteral("%1").arg(s1, 2, 16, QLatin1Char('0')).toUpper() + QLatin1Char('/') +
-                QStringLiteral("%1").arg(s2, 2, 16, QLatin1Char('0')).toUpper() + reply.mid(8);
-    }
+    const QString reply = answer(raw, command, e.code).withStatus(e.status1, e.status2).text();
     if (e.lostReply || e.drop) {
         journal(command, reply + (e.drop ? QStringLiteral(" (dropped)") : QStringLiteral(" (lost)")));
         return out;
     }
     journal(command, reply);
-    out.reply = codepage::toWin1253(reply);
+    out.reply = win1253::encode(reply);
     out.delayMs = e.delayMs;
     if (e.splitMs >= 0) {
         out.splitAt = static_cast<int>(out.reply.size() / 2);
@@ -100,9 +84,21 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
     return out;
 }
 
+Reply SimRegister::answer(const QByteArray& raw, const QString& command, int faultCode)
+{
+    if (raw.size() > kMaxCommandBytes)
+        return Reply::refuse(devicecode::kFieldTooLong);
+    if (faultCode >= 0)
+        return Reply::refuse(faultCode);
+    EcrModel::Outcome o = model_.execute(command, clock_.now());
+    print(o.printed);
+    persist();
+    return o.reply;
+}
+
 void SimRegister::noteBadFrame(const QByteArray& frame)
 {
-    journal(codepage::fromWin1253(frame), QStringLiteral("<NACK> (check digits)"));
+    journal(win1253::decode(frame), QStringLiteral("<NACK> (check digits)"));
 }
 
 void SimRegister::journal(const QString& command, const QString& reply)

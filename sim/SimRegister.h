@@ -47,6 +47,8 @@ public:
     QString lastError() const { return lastError_; }
 
 private:
+    // Executes the command unless it is too long or the fault script answers for it.
+    Reply answer(const QByteArray& raw, const QString& command, int faultCode);
     void journal(const QString& command, const QString& reply);
     void print(const QStringList& lines);
     void persist();

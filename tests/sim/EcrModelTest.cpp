@@ -14,7 +14,7 @@ protected:
     {
         const auto o = model.execute(command, QDateTime(QDate(2026, 11, 19), QTime(10, 15)));
         tape << o.printed;
-        return o.reply;
+        return o.reply.text();
     }
     QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
 };

@@ -109,6 +109,18 @@ TEST(FaultScriptTest, ScriptedFaultsShapeTheReplies)
     EXPECT_FALSE(bad.parse("/unterminated: nack\n", &error));
 }
 
+TEST(FaultScriptTest, ScriptedStatusBitsJoinTheOpenDocumentBitWhileScriptedCodesCarryNone)
+{
+    VirtualClock clock;
+    SimRegister reg({}, clock);
+    ASSERT_TRUE(reg.loadFaults("2: operator\n3: code 1A\n"));
+    EXPECT_EQ(reg.handle(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/")).reply, QByteArray("00/00/10/"));
+    EXPECT_EQ(reg.handle("?/").reply, QByteArray("00/00/14/"));
+    EXPECT_EQ(reg.handle("?/").reply, QByteArray("1A/00/00/"));
+    EXPECT_EQ(reg.handle("?/" + QByteArray(4096, ' ')).reply, QByteArray("02/00/00/")); // too long: not executed
+    EXPECT_EQ(reg.handle("?/").reply, QByteArray("00/00/10/"));
+}
+
 TEST(StateTest, MemorySurvivesARestartAndAnOpenReceiptStaysOpen)
 {
     QTemporaryDir dir;
