@@ -1,0 +1,113 @@
+#include "reports/MimeMessage.h"
+
+#include "PrintQString.h"
+
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTimeZone>
+#include <gtest/gtest.h>
+
+namespace {
+
+MimeMail zMail()
+{
+    MimeMail mail;
+    mail.from = QStringLiteral("Κατάστημα <shop@example.gr>");
+    mail.to = {QStringLiteral("z@acct.gr")};
+    mail.subject = QStringLiteral("Αρχείο 'Ζ' 02/01/2026 10:20");
+    mail.body = QStringLiteral("Γεια\nσας");
+    mail.attachments = {{QStringLiteral("Z0123.out"), QByteArrayLiteral("POS,1\r\n")}};
+    mail.date = QDateTime(QDate(2026, 1, 2), QTime(10, 20, 30), QTimeZone(7200));
+    mail.messageId = QStringLiteral("id1@example.gr");
+    mail.boundary = QByteArrayLiteral("BOUNDARY");
+    return mail;
+}
+
+// The text behind RFC 2047 words, joined; fails the test on a word that is
+// too long or a byte sequence cut inside a character.
+QString decodeHeaderWords(const QByteArray& value)
+{
+    static const QRegularExpression word(QStringLiteral("=\\?UTF-8\\?B\\?([A-Za-z0-9+/=]*)\\?="));
+    QString text;
+    auto it = word.globalMatch(QString::fromLatin1(value));
+    while (it.hasNext()) {
+        const auto m = it.next();
+        EXPECT_LE(m.capturedLength(), 75);
+        const QByteArray bytes = QByteArray::fromBase64(m.captured(1).toLatin1());
+        const QString piece = QString::fromUtf8(bytes);
+        EXPECT_EQ(piece.toUtf8(), bytes) << "a character cut between two words";
+        text += piece;
+    }
+    return text;
+}
+
+// The base64 lines of the part that follows the given header line.
+QByteArray partPayload(const QByteArray& message, const QByteArray& headerLine)
+{
+    const qsizetype header = message.indexOf(headerLine);
+    if (header < 0)
+        return {};
+    const qsizetype start = message.indexOf("\r\n\r\n", header) + 4;
+    const qsizetype end = message.indexOf("\r\n--", start);
+    return message.mid(start, end - start);
+}
+
+} // namespace
+
+TEST(MimeMessage, ZMailWithAttachmentIsExactlyTheExpectedText)
+{
+    const QByteArray expected =
+        "Date: 02 Jan 2026 10:20:30 +0200\r\n"
+        "From: =?UTF-8?B?zprOsc+EzqzPg8+EzrfOvM6x?= <shop@example.gr>\r\n"
+        "To: z@acct.gr\r\n"
+        "Subject: =?UTF-8?B?zpHPgc+HzrXOr86/ICfOlicgMDIvMDEvMjAyNiAxMDoyMA==?=\r\n"
+        "Message-ID: <id1@example.gr>\r\n"
+        "MIME-Version: 1.0\r\n"
+        "Content-Type: multipart/mixed; boundary=\"BOUNDARY\"\r\n"
+        "\r\n"
+        "--BOUNDARY\r\n"
+        "Content-Type: text/plain; charset=UTF-8\r\n"
+        "Content-Transfer-Encoding: base64\r\n"
+        "\r\n"
+        "zpPOtc65zrENCs+DzrHPgg==\r\n"
+        "--BOUNDARY\r\n"
+        "Content-Type: application/octet-stream; name=\"Z0123.out\"\r\n"
+        "Content-Transfer-Encoding: base64\r\n"
+        "Content-Disposition: attachment; filename=\"Z0123.out\"\r\n"
+        "\r\n"
+        "UE9TLDENCg==\r\n"
+        "--BOUNDARY--\r\n";
+    EXPECT_EQ(BuildMimeMessage(zMail()), expected);
+}
+
+TEST(MimeMessage, HeaderTextFoldsIntoWholeCharacterWordsAndKeepsToOneHeader)
+{
+    EXPECT_EQ(EncodeHeaderText(QStringLiteral("Z file 0123")), QByteArray("Z file 0123"));
+    EXPECT_EQ(EncodeHeaderText(QStringLiteral("a\r\nBcc: x@y.z")), QByteArray("a Bcc: x@y.z"));
+
+    const QString subject = QStringLiteral("Βρείτε συνυμμένο το αρχείο του 'Ζ' με αριθμό 123 της ταμειακής μου 😀 τέλος");
+    const QByteArray encoded = EncodeHeaderText(subject);
+    EXPECT_GT(encoded.count("=?UTF-8?B?"), 3);
+    for (const QByteArray& line : encoded.split('\n'))
+        EXPECT_LE(QByteArray("Subject: ").size() + line.size(), 77) << line.constData();
+    EXPECT_EQ(decodeHeaderWords(encoded), subject);
+}
+
+TEST(MimeMessage, BinaryAttachmentRoundTripsThroughBase64Lines)
+{
+    QByteArray content(5000, '\0');
+    QRandomGenerator generator(7);
+    for (char& c : content)
+        c = static_cast<char>(generator.bounded(256));
+    MimeMail mail = zMail();
+    mail.attachments = {{QStringLiteral("Z0007.out"), content}, {QStringLiteral("empty.out"), QByteArray()}};
+
+    const QByteArray message = BuildMimeMessage(mail);
+    const QByteArray payload = partPayload(message, "name=\"Z0007.out\"");
+    for (const QByteArray& line : payload.split('\n').mid(0, payload.count('\n')))
+        EXPECT_LE(line.size(), 77); // 76 and the CR
+    EXPECT_FALSE(payload.contains("\n\n"));
+    EXPECT_EQ(QByteArray::fromBase64(payload), content);
+    EXPECT_TRUE(message.contains("filename=\"empty.out\"\r\n\r\n--BOUNDARY--\r\n"));
+    EXPECT_EQ(message.count("--BOUNDARY\r\n"), 3);
+}

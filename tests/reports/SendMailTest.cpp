@@ -1,0 +1,214 @@
+#include "reports/SendMail.h"
+
+#include "PrintQString.h"
+#include "SmtpPeer.h"
+
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+MailSettings loopback(int port)
+{
+    MailSettings s;
+    s.host = QStringLiteral("127.0.0.1");
+    s.port = port;
+    s.from = QStringLiteral("Κατάστημα <shop@example.gr>");
+    return s;
+}
+
+QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& content)
+{
+    const QString path = dir.filePath(name);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(content);
+    return path;
+}
+
+QByteArray base64After(const QByteArray& message, const QByteArray& marker)
+{
+    const qsizetype at = message.indexOf(marker);
+    if (at < 0)
+        return {};
+    const qsizetype start = message.indexOf("\r\n\r\n", at) + 4;
+    return QByteArray::fromBase64(message.mid(start, message.indexOf("\r\n--", start) - start));
+}
+
+QString subjectOf(const QByteArray& message)
+{
+    static const QRegularExpression word(QStringLiteral("=\\?UTF-8\\?B\\?([A-Za-z0-9+/=]*)\\?="));
+    const qsizetype at = message.indexOf("\r\nSubject: ");
+    const qsizetype end = message.indexOf("\r\nMessage-ID:", at);
+    QByteArray bytes;
+    auto it = word.globalMatch(QString::fromLatin1(message.mid(at, end - at)));
+    while (it.hasNext())
+        bytes += QByteArray::fromBase64(it.next().captured(1).toLatin1());
+    return QString::fromUtf8(bytes);
+}
+
+// A port where nobody listens, for the moment.
+int closedPort()
+{
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    return probe.serverPort();
+}
+
+} // namespace
+
+TEST(SendMail, GreekMailWithAttachmentReachesEveryReceiverWithoutLogin)
+{
+    SmtpPeer peer(QStringLiteral("accept"));
+    ASSERT_NE(peer.port(), 0);
+    QTemporaryDir dir;
+    QByteArray content;
+    for (int i = 0; i < 3000; ++i)
+        content += static_cast<char>(i * 7 % 256);
+    const MailRequest request{QStringLiteral("z@acct.gr; copy@acct.gr"),
+                              QStringLiteral("Αρχείο 'Ζ' 02/01/2026 10:20"),
+                              QStringLiteral("Βρείτε συνυμμένο το αρχείο του 'Ζ' με αριθμό 123"),
+                              {writeFile(dir, QStringLiteral("Z0123.out"), content)}};
+
+    const MailOutcome outcome = SendMailWith(loopback(peer.port()), request);
+
+    ASSERT_EQ(outcome.status, 0) << outcome.failure.toStdString();
+    EXPECT_TRUE(outcome.failure.isEmpty());
+    ASSERT_EQ(peer.received(), 1);
+    const QJsonObject envelope = peer.envelope(1);
+    EXPECT_EQ(envelope[QStringLiteral("from")].toString(), QStringLiteral("shop@example.gr"));
+    EXPECT_EQ(envelope[QStringLiteral("to")].toArray().toVariantList(),
+              (QVariantList{QStringLiteral("z@acct.gr"), QStringLiteral("copy@acct.gr")}));
+    EXPECT_TRUE(envelope[QStringLiteral("login")].isNull());
+    const QByteArray message = peer.message(1);
+    EXPECT_EQ(subjectOf(message), request.subject);
+    EXPECT_EQ(QString::fromUtf8(base64After(message, "text/plain; charset=UTF-8")), request.body);
+    EXPECT_EQ(base64After(message, "filename=\"Z0123.out\""), content);
+}
+
+TEST(SendMail, LogsInOnlyWhenMailIniNamesAUser)
+{
+    SmtpPeer peer(QStringLiteral("accept"), {QStringLiteral("--login"), QStringLiteral("kasa:μυστικό")});
+    ASSERT_NE(peer.port(), 0);
+    MailSettings settings = loopback(peer.port());
+    settings.user = QStringLiteral("kasa");
+    settings.password = QStringLiteral("μυστικό");
+
+    const MailOutcome outcome = SendMailWith(settings, {QStringLiteral("z@acct.gr"), QStringLiteral("s"),
+                                                        QStringLiteral("b"), {}});
+
+    ASSERT_EQ(outcome.status, 0) << outcome.failure.toStdString();
+    EXPECT_EQ(peer.envelope(1)[QStringLiteral("login")].toString(), QStringLiteral("kasa"));
+}
+
+TEST(SendMail, ServerFailuresEndInMinusOneWithAGreekReason)
+{
+    const MailRequest request{QStringLiteral("z@acct.gr"), QStringLiteral("s"), QStringLiteral("b"), {}};
+    {
+        SmtpPeer peer(QStringLiteral("refuse-login"));
+        ASSERT_NE(peer.port(), 0);
+        MailSettings settings = loopback(peer.port());
+        settings.user = QStringLiteral("kasa");
+        settings.password = QStringLiteral("wrong");
+        const MailOutcome outcome = SendMailWith(settings, request);
+        EXPECT_EQ(outcome.status, -1);
+        EXPECT_TRUE(outcome.failure.contains(QStringLiteral("δεν δέχτηκε τη σύνδεση του χρήστη kasa")))
+            << outcome.failure.toStdString();
+    }
+    {
+        SmtpPeer peer(QStringLiteral("drop"));
+        ASSERT_NE(peer.port(), 0);
+        const MailOutcome outcome = SendMailWith(loopback(peer.port()), request);
+        EXPECT_EQ(outcome.status, -1);
+        EXPECT_TRUE(outcome.failure.contains(QStringLiteral("διακόπηκε πριν σταλεί το email")))
+            << outcome.failure.toStdString();
+    }
+    {
+        const int port = closedPort();
+        const MailOutcome outcome = SendMailWith(loopback(port), request);
+        EXPECT_EQ(outcome.status, -1);
+        EXPECT_EQ(outcome.failure.left(outcome.failure.indexOf(QLatin1Char('['))),
+                  QStringLiteral("Δεν έγινε σύνδεση με τον διακομιστή αλληλογραφίας 127.0.0.1:%1. ").arg(port));
+    }
+    {
+        // A plain server: starttls must insist on it, tls must speak TLS from the start.
+        SmtpPeer peer(QStringLiteral("accept"));
+        ASSERT_NE(peer.port(), 0);
+        MailSettings settings = loopback(peer.port());
+        settings.security = MailSecurity::StartTls;
+        MailOutcome outcome = SendMailWith(settings, request, 5s);
+        EXPECT_TRUE(outcome.failure.contains(QStringLiteral("δεν προσφέρει STARTTLS"))) << outcome.failure.toStdString();
+        settings.security = MailSecurity::Tls;
+        outcome = SendMailWith(settings, request, 5s);
+        EXPECT_EQ(outcome.status, -1);
+        EXPECT_TRUE(outcome.failure.contains(QStringLiteral("ασφαλής σύνδεση (TLS)"))) << outcome.failure.toStdString();
+        EXPECT_EQ(peer.received(), 0);
+    }
+}
+
+TEST(SendMail, SilentServerIsLeftAtTheTimeLimit)
+{
+    // Accepted by the kernel's backlog, never a greeting.
+    QTcpServer silent;
+    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost, 0));
+    QElapsedTimer elapsed;
+    elapsed.start();
+
+    const MailOutcome outcome = SendMailWith(loopback(silent.serverPort()),
+                                             {QStringLiteral("z@acct.gr"), QStringLiteral("s"), QStringLiteral("b"), {}},
+                                             300ms);
+
+    EXPECT_LT(elapsed.elapsed(), 10000);
+    EXPECT_EQ(outcome.status, -1);
+    EXPECT_TRUE(outcome.failure.startsWith(
+        QStringLiteral("Ο διακομιστής αλληλογραφίας 127.0.0.1:%1 δεν απάντησε μέσα σε 0.3 δευτερόλεπτα.")
+            .arg(silent.serverPort())))
+        << outcome.failure.toStdString();
+    EXPECT_EQ(kMailTimeLimit, 30s);
+}
+
+TEST(SendMail, NothingGoesOutWithoutItsAttachmentOrAReceiver)
+{
+    SmtpPeer peer(QStringLiteral("accept"));
+    ASSERT_NE(peer.port(), 0);
+    QTemporaryDir dir;
+    const QString missing = dir.filePath(QStringLiteral("Zfiles/Z0001.out"));
+
+    MailOutcome outcome = SendMailWith(loopback(peer.port()),
+                                       {QStringLiteral("z@acct.gr"), QStringLiteral("s"), QStringLiteral("b"), {missing}});
+    EXPECT_EQ(outcome.status, -1);
+    EXPECT_EQ(outcome.failure, QStringLiteral("Δεν βρέθηκε το συνημμένο αρχείο %1.").arg(QDir::toNativeSeparators(missing)));
+
+    outcome = SendMailWith(loopback(peer.port()), {QStringLiteral(" ; "), QStringLiteral("s"), QStringLiteral("b"), {}});
+    EXPECT_EQ(outcome.status, -1);
+    EXPECT_EQ(outcome.failure, QStringLiteral("Δεν δόθηκε διεύθυνση παραλήπτη για το email."));
+    EXPECT_EQ(peer.received(), 0);
+}
+
+TEST(SendMail, FourArgumentFormReadsMailIniOfTheWorkingDirectory)
+{
+    SmtpPeer peer(QStringLiteral("accept"));
+    ASSERT_NE(peer.port(), 0);
+    QTemporaryDir dir;
+    writeFile(dir, QStringLiteral("mail.ini"),
+              QStringLiteral("[smtp]\nhost = 127.0.0.1\nport = %1\nfrom = shop@example.gr\n").arg(peer.port()).toUtf8());
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(dir.path()));
+
+    QString failure = QStringLiteral("unchanged");
+    const int sent = SendMail(QStringLiteral("z@acct.gr"), QStringLiteral("s"), QStringLiteral("b"), {}, &failure);
+    QFile::remove(dir.filePath(QStringLiteral("mail.ini")));
+    const int notSent = SendMail(QStringLiteral("z@acct.gr"), QStringLiteral("s"), QStringLiteral("b"), {}, &failure);
+    QDir::setCurrent(before);
+
+    EXPECT_EQ(sent, 0);
+    EXPECT_EQ(notSent, -1);
+    EXPECT_TRUE(failure.startsWith(QStringLiteral("Δεν βρέθηκε το αρχείο ρυθμίσεων email "))) << failure.toStdString();
+    EXPECT_EQ(peer.received(), 1);
+}
