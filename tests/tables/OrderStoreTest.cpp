@@ -1,0 +1,473 @@
+#include "tables/ClsItemData.h"
+
+#include "PrintQString.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTemporaryDir>
+#include <QUuid>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <grp.h>
+#include <set>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+const QString kSerial = QStringLiteral("ECR123");
+constexpr qint16 kZ = 7;
+
+clsTable Item(qint16 table, qint32 uid, qint16 order, const QString& desc, double quantity,
+              double price, double vatRate = 24.0)
+{
+    clsTable item;
+    item.TableNUM = table;
+    item.itemUID = uid;
+    item.tableORDER = order;
+    item.setItemDesc(desc);
+    item.itemQuantity = quantity;
+    item.itemPrice = price;
+    item.itemDep = 2;
+    item.itemVatRate = vatRate;
+    return item;
+}
+
+clsTable Moved(qint16 table, qint32 uid, qint16 order, qint16 toTable, qint32 toUid, qint16 toOrder)
+{
+    clsTable item;
+    item.TableNUM = table;
+    item.itemUID = uid;
+    item.tableORDER = order;
+    item.TableNUM_Dest = toTable;
+    item.itemUID_Dest = toUid;
+    item.tableORDER_Dest = toOrder;
+    return item;
+}
+
+// The store file read with a connection of the test's own, not the store's code.
+std::vector<QVariantList> RawRows(const QString& path, const QString& sql)
+{
+    const QString name = QUuid::createUuid().toString();
+    std::vector<QVariantList> rows;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(path);
+        if (db.open()) {
+            QSqlQuery query(db);
+            query.exec(sql);
+            while (query.next()) {
+                QVariantList row;
+                for (int i = 0; i < query.record().count(); ++i)
+                    row << query.value(i);
+                rows.push_back(row);
+            }
+        }
+    }
+    QSqlDatabase::removeDatabase(name);
+    return rows;
+}
+
+QString RawText(const QString& path, const QString& sql)
+{
+    const auto rows = RawRows(path, sql);
+    return rows.empty() ? QString() : rows.front().value(0).toString();
+}
+
+QByteArray RandomBytes(quint32 seed)
+{
+    QRandomGenerator random(seed);
+    QByteArray bytes(4096, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(random.bounded(256));
+    return bytes;
+}
+
+void WriteFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QByteArray ReadFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Runs body in a child process, as an unprivileged user when the tests run as
+// root (root writes through any permission), and answers what it printed.
+QString RunInChild(bool unprivileged, const std::function<QString()>& body)
+{
+    int out[2];
+    if (pipe(out) != 0)
+        return QStringLiteral("no pipe");
+    const pid_t pid = fork();
+    if (pid == 0) {
+        close(out[0]);
+        bool ready = true;
+        if (unprivileged && geteuid() == 0) {
+            constexpr gid_t kNobody = 65534;
+            ready = setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0;
+        }
+        const QByteArray text = ready ? body().toUtf8() : QByteArray("no user change");
+        (void)!write(out[1], text.constData(), text.size());
+        _exit(0);
+    }
+    close(out[1]);
+    QByteArray text;
+    char buffer[256];
+    for (ssize_t n; (n = read(out[0], buffer, sizeof buffer)) > 0;)
+        text.append(buffer, n);
+    close(out[0]);
+    waitpid(pid, nullptr, 0);
+    return QString::fromUtf8(text);
+}
+
+class OrderStoreTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+
+    clsItemData Store(qint16 z = kZ, int busyWaitMs = kStoreBusyWaitMs) const
+    {
+        clsItemData store(dir.path(), busyWaitMs);
+        store.ecrSerialNumber(kSerial);
+        store.ecrZnumber(z);
+        return store;
+    }
+    QString StorePath() const { return dir.filePath(kSerial + "_Orders.sqlite"); }
+    QStringList FilesBesideTheStore() const
+    {
+        return QDir(dir.path()).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
+    }
+};
+
+TEST_F(OrderStoreTest, AFirstSaleMakesTheStoreAndRowsKeepTheirUnits)
+{
+    clsItemData store = Store();
+    ASSERT_FALSE(QFile::exists(StorePath()));
+    EXPECT_EQ(store.orders_AddRecord(Item(5, 9001, 3, "ΚΑΦΕΣ", 0.333, 4.35, 6.5)), 0);
+    EXPECT_EQ(store.lastFault(), OrderStoreFault::None);
+    EXPECT_EQ(RawText(StorePath(), "PRAGMA journal_mode"), "wal");
+
+    const auto rows = RawRows(StorePath(), "SELECT * FROM ecrOrders");
+    ASSERT_EQ(rows.size(), 1u);
+    const QVariantList expected{kZ, 5, 3, 9001, QString("ΚΑΦΕΣ").leftJustified(24), 333, 435, 2, 650.0,
+                                1, 0};
+    ASSERT_EQ(rows[0].size(), expected.size());
+    for (int i = 0; i < expected.size(); ++i)
+        EXPECT_EQ(rows[0][i].toString(), expected[i].toString()) << "column " << i;
+    EXPECT_EQ(RawText(StorePath(), "SELECT eNum FROM cntLine_ecrOrders"), "1");
+
+    // Amounts whose doubles lie just below or above their hundredths are found again.
+    EXPECT_EQ(store.orders_AddRecord(Item(5, 9002, 4, "ΝΕΡΟ", 2, 1.10)), 0);
+    for (const clsTable& asked : {Item(5, 0, 0, "ΚΑΦΕΣ", 0.333, 4.35), Item(5, 0, 0, "ΝΕΡΟ", 2, 1.1)}) {
+        const clsTable found = store.orders_FindRecord(asked);
+        EXPECT_EQ(found.Result, 0) << found.itemDesc().toStdString();
+        EXPECT_EQ(found.itemDesc(), asked.itemDesc());
+        EXPECT_EQ(found.itemPrice, asked.itemPrice);
+        EXPECT_EQ(found.itemQuantity, asked.itemQuantity);
+    }
+    const clsTable coffee = store.orders_FindRecord(Item(5, 0, 0, "ΚΑΦΕΣ", 0.333, 4.35));
+    EXPECT_EQ(coffee.zNumber, kZ);
+    EXPECT_EQ(coffee.itemUID, 9001);
+    EXPECT_EQ(coffee.tableORDER, 3);
+    EXPECT_EQ(coffee.itemDep, 2);
+    EXPECT_EQ(coffee.itemVatRate, 6.5);
+    EXPECT_EQ(store.orders_FindRecord(Item(5, 0, 0, "ΚΑΦΕΣ", 0.333, 4.34)).Result, -2);
+    EXPECT_EQ(store.orders_FindRecord(Item(6, 0, 0, "ΚΑΦΕΣ", 0.333, 4.35)).Result, -2);
+}
+
+TEST_F(OrderStoreTest, EqualRowsAreFoundOldestFirstAndAMarkedRowIsSkipped)
+{
+    clsItemData store = Store();
+    ASSERT_EQ(store.orders_AddRecord(Item(5, 11, 1, "ΜΠΥΡΑ", 1, 3.5)), 0);
+    ASSERT_EQ(store.orders_AddRecord(Item(5, 12, 2, "ΜΠΥΡΑ", 1, 3.5)), 0);
+    const clsTable beer = Item(5, 0, 0, "ΜΠΥΡΑ", 1, 3.5);
+
+    EXPECT_EQ(store.orders_FindRecord(beer).itemUID, 11);
+    EXPECT_EQ(store.orders_MarkRecord(Item(5, 11, 0, "", 0, 0)), 0);
+    EXPECT_EQ(store.orders_FindRecord(beer).itemUID, 12);
+    EXPECT_EQ(store.orders_MarkRecord(Item(5, 11, 0, "", 0, 0)), -2);
+    EXPECT_EQ(store.orders_MarkRecord(Item(5, 12, 0, "", 0, 0)), 0);
+    EXPECT_EQ(store.orders_FindRecord(beer).Result, -2);
+
+    // The end of the move rewrites the marked row for its new table.
+    EXPECT_EQ(store.orders_UpdateRecord(Moved(5, 11, 1, 8, 51, 4)), 0);
+    EXPECT_EQ(store.orders_UpdateRecord(Moved(5, 11, 1, 8, 51, 4)), -2);
+    const clsTable moved = store.orders_FindRecord(Item(8, 0, 0, "ΜΠΥΡΑ", 1, 3.5));
+    EXPECT_EQ(moved.Result, 0);
+    EXPECT_EQ(moved.itemUID, 51);
+    EXPECT_EQ(moved.tableORDER, 4);
+    EXPECT_EQ(RawText(StorePath(), "SELECT group_concat(eNum) FROM (SELECT eNum FROM ecrOrders ORDER BY eNum)"), "1,2");
+}
+
+TEST_F(OrderStoreTest, DeletionsCountTheirRowsAndSayWhenNoneMatched)
+{
+    clsItemData store = Store();
+    for (const clsTable& item : {Item(5, 1, 1, "Α", 1, 1), Item(5, 2, 2, "Β", 1, 1),
+                                 Item(5, 2, 3, "Β", 1, 1), Item(6, 1, 1, "Α", 1, 1)})
+        ASSERT_EQ(store.orders_AddRecord(item), 0);
+
+    EXPECT_EQ(store.orders_DelRecord(Item(5, 2, 0, "", 0, 0)), 2);
+    EXPECT_EQ(store.orders_DelRecord(Item(5, 2, 0, "", 0, 0)), -2);
+    EXPECT_EQ(store.orders_DelAllRecords(Item(5, 0, 0, "", 0, 0)), 1);
+    EXPECT_EQ(store.orders_DelAllRecords(Item(5, 0, 0, "", 0, 0)), -2);
+    EXPECT_EQ(store.orders_FindRecord(Item(6, 0, 0, "Α", 1, 1)).itemUID, 1);
+}
+
+TEST_F(OrderStoreTest, ClearingTheStoreRestartsTheLineNumbersEvenWhenItWasEmpty)
+{
+    clsItemData store = Store();
+    ASSERT_EQ(store.orders_AddRecord(Item(5, 1, 1, "Α", 1, 1)), 0);
+    ASSERT_EQ(Store(kZ - 1).orders_AddRecord(Item(5, 2, 1, "Α", 1, 1)), 0);
+    EXPECT_EQ(store.orders_DelAllDBRecords(), 2);
+    EXPECT_TRUE(RawRows(StorePath(), "SELECT * FROM cntLine_ecrOrders").empty());
+    ASSERT_EQ(store.orders_AddRecord(Item(5, 3, 1, "Α", 1, 1)), 0);
+    EXPECT_EQ(RawText(StorePath(), "SELECT eNum FROM ecrOrders"), "1");
+
+    ASSERT_EQ(store.orders_AddRecord(Item(5, 4, 1, "Α", 1, 1)), 0);
+    ASSERT_EQ(store.orders_DelAllRecords(Item(5, 0, 0, "", 0, 0)), 2);
+    EXPECT_EQ(store.orders_DelAllDBRecords(), -2);
+    EXPECT_EQ(store.lastFault(), OrderStoreFault::None);
+    EXPECT_TRUE(RawRows(StorePath(), "SELECT * FROM cntLine_ecrOrders").empty());
+    ASSERT_EQ(store.orders_AddRecord(Item(5, 5, 1, "Α", 1, 1)), 0);
+    EXPECT_EQ(RawText(StorePath(), "SELECT eNum FROM ecrOrders"), "1");
+}
+
+TEST_F(OrderStoreTest, ARowOfAnEarlierZIsSeenOnlyByUpdateAndClearing)
+{
+    ASSERT_EQ(Store(kZ).orders_AddRecord(Item(3, 40, 2, "ΣΑΛΑΤΑ", 1, 7)), 0);
+    clsItemData later = Store(kZ + 1);
+    EXPECT_EQ(later.orders_FindRecord(Item(3, 0, 0, "ΣΑΛΑΤΑ", 1, 7)).Result, -2);
+    EXPECT_EQ(later.orders_MarkRecord(Item(3, 40, 0, "", 0, 0)), -2);
+    EXPECT_EQ(later.orders_DelRecord(Item(3, 40, 0, "", 0, 0)), -2);
+    EXPECT_EQ(later.orders_DelAllRecords(Item(3, 0, 0, "", 0, 0)), -2);
+
+    EXPECT_EQ(later.orders_UpdateRecord(Moved(3, 40, 2, 9, 41, 1)), 0);
+    const auto rows = RawRows(StorePath(), "SELECT zNumber, tableNUM, itemUID, tableORDER FROM ecrOrders");
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0], (QVariantList{kZ, 9, 41, 1}));
+    EXPECT_EQ(later.orders_DelAllDBRecords(), 1);
+}
+
+TEST_F(OrderStoreTest, QuotesAreDataAndAGivenQueryIsUsedAsItStands)
+{
+    clsItemData store = Store();
+    ASSERT_EQ(store.orders_AddRecord(Item(4, 77, 1, "O'NEIL'S \"ΕΙΔΙΚΟ\"", 1, 2)), 0);
+    EXPECT_EQ(store.orders_FindRecord(Item(4, 0, 0, "O'NEIL'S \"ΕΙΔΙΚΟ\"", 1, 2)).itemUID, 77);
+
+    const QString wholeTable =
+        "select * from ecrOrders WHERE ( (zNumber = 7)  AND (tableNUM = 4) AND (bTransfered=0) )";
+    EXPECT_EQ(store.orders_FindRecord(clsTable(), wholeTable).itemUID, 77);
+    EXPECT_EQ(store.orders_FindRecord(clsTable(), "select * from ecrOrders WHERE tableNUM = 5").Result, -2);
+
+    EXPECT_EQ(store.orders_FindRecord(clsTable(), "select * from nowhere").Result, -1);
+    EXPECT_EQ(store.lastFault(), OrderStoreFault::Failed);
+    EXPECT_FALSE(store.lastFailure().isEmpty());
+    EXPECT_EQ(store.orders_FindRecord(clsTable(), "select itemUID from ecrOrders").Result, -1);
+    // A lookup never changes the store.
+    EXPECT_EQ(store.orders_FindRecord(clsTable(), "delete from ecrOrders").Result, -1);
+    EXPECT_EQ(store.orders_FindRecord(clsTable(), wholeTable).Result, 0);
+}
+
+TEST_F(OrderStoreTest, WithoutAStoreEveryCallButASaleAnswersNoStoreAndMakesNoFile)
+{
+    clsItemData store = Store();
+    const clsTable item = Item(5, 1, 1, "Α", 1, 1);
+    EXPECT_EQ(store.orders_FindRecord(item).Result, -3);
+    EXPECT_EQ(store.lastFault(), OrderStoreFault::NoStore);
+    EXPECT_EQ(store.orders_DelRecord(item), -3);
+    EXPECT_EQ(store.orders_DelAllRecords(item), -3);
+    EXPECT_EQ(store.orders_DelAllDBRecords(), -3);
+    EXPECT_EQ(store.orders_UpdateRecord(item), -3);
+    EXPECT_EQ(store.orders_MarkRecord(item), -3);
+    EXPECT_TRUE(FilesBesideTheStore().isEmpty());
+
+    // An empty file, as a crash before the first row leaves it, is no store either,
+    // until a sale makes the tables in it.
+    WriteFile(StorePath(), {});
+    EXPECT_EQ(store.orders_FindRecord(item).Result, -3);
+    EXPECT_EQ(store.orders_AddRecord(item), 0);
+    EXPECT_EQ(store.orders_FindRecord(item).Result, 0);
+}
+
+TEST_F(OrderStoreTest, AFileOfRandomBytesIsKeptAsideAndANewStoreBegun)
+{
+    const QByteArray garbage = RandomBytes(1);
+    WriteFile(StorePath(), garbage);
+    WriteFile(StorePath() + "-wal", "stale");
+    clsItemData store = Store();
+    const clsTable item = Item(5, 1, 1, "Α", 1, 1);
+
+    EXPECT_EQ(store.orders_FindRecord(item).Result, -3);
+    EXPECT_EQ(store.lastFault(), OrderStoreFault::SetAside);
+    const QString firstAside = store.setAsidePath();
+    EXPECT_TRUE(firstAside.startsWith(StorePath() + "."));
+    EXPECT_TRUE(store.lastFailure().contains(firstAside));
+    EXPECT_EQ(ReadFile(firstAside), garbage);
+    EXPECT_EQ(ReadFile(firstAside + "-wal"), "stale");
+    EXPECT_FALSE(QFile::exists(StorePath()));
+
+    WriteFile(StorePath(), RandomBytes(2));
+    EXPECT_EQ(store.orders_AddRecord(item), 0);
+    EXPECT_EQ(store.lastFault(), OrderStoreFault::SetAside);
+    EXPECT_NE(store.setAsidePath(), firstAside);
+    EXPECT_EQ(ReadFile(store.setAsidePath()), RandomBytes(2));
+    EXPECT_EQ(ReadFile(firstAside), garbage);
+    EXPECT_EQ(RawText(StorePath(), "SELECT eNum FROM ecrOrders"), "1");
+
+    EXPECT_EQ(store.orders_FindRecord(item).Result, 0);
+    EXPECT_EQ(store.lastFault(), OrderStoreFault::None);
+    EXPECT_TRUE(store.setAsidePath().isEmpty());
+    EXPECT_TRUE(store.lastFailure().isEmpty());
+}
+
+TEST_F(OrderStoreTest, ALockedStoreFailsTheWriteAndIsNeitherSetAsideNorChanged)
+{
+    clsItemData store = Store(kZ, 0);
+    ASSERT_EQ(store.orders_AddRecord(Item(5, 1, 1, "Α", 1, 1)), 0);
+    const QString holder = QUuid::createUuid().toString();
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), holder);
+        other.setDatabaseName(StorePath());
+        ASSERT_TRUE(other.open());
+        QSqlQuery lock(other);
+        ASSERT_TRUE(lock.exec("BEGIN IMMEDIATE"));
+
+        EXPECT_EQ(store.orders_AddRecord(Item(5, 2, 2, "Β", 1, 1)), -1);
+        EXPECT_EQ(store.lastFault(), OrderStoreFault::Locked);
+        EXPECT_TRUE(store.lastFailure().contains("κλειδωμένο"));
+        EXPECT_EQ(store.orders_DelAllDBRecords(), -1);
+        EXPECT_EQ(store.orders_FindRecord(Item(5, 0, 0, "Α", 1, 1)).itemUID, 1);
+        lock.exec("ROLLBACK");
+    }
+    QSqlDatabase::removeDatabase(holder);
+    EXPECT_EQ(FilesBesideTheStore(), QStringList{kSerial + "_Orders.sqlite"});
+    EXPECT_EQ(store.orders_AddRecord(Item(5, 2, 2, "Β", 1, 1)), 0);
+    EXPECT_EQ(RawText(StorePath(), "SELECT group_concat(eNum) FROM (SELECT eNum FROM ecrOrders ORDER BY eNum)"), "1,2");
+}
+
+TEST_F(OrderStoreTest, AReadOnlyDirectoryFailsTheCallsAndLosesNothing)
+{
+    QDir(dir.path()).mkdir("empty");
+    QDir(dir.path()).mkdir("kept");
+    clsItemData kept(dir.filePath("kept"));
+    kept.ecrSerialNumber(kSerial);
+    ASSERT_EQ(kept.orders_AddRecord(Item(5, 1, 1, "Α", 1, 1)), 0);
+    const QString keptFile = kept.storePath();
+
+    const auto readOnly = QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup | QFile::ExeGroup
+        | QFile::ReadOther | QFile::ExeOther;
+    QFile::setPermissions(dir.path(), readOnly | QFile::WriteOwner);
+    QFile::setPermissions(dir.filePath("empty"), readOnly);
+    QFile::setPermissions(dir.filePath("kept"), readOnly);
+    QFile::setPermissions(keptFile, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+
+    const QString answers = RunInChild(true, [&] {
+        const clsTable item = Item(5, 1, 1, "Α", 1, 1);
+        QStringList said;
+        for (const QString& folder : {QStringLiteral("empty"), QStringLiteral("kept")}) {
+            clsItemData store(dir.filePath(folder));
+            store.ecrSerialNumber(kSerial);
+            said << QString::number(store.orders_AddRecord(item));
+            said << QString::number(static_cast<int>(store.lastFault()));
+            said << QString::number(store.orders_FindRecord(item).Result);
+            said << QString::number(store.orders_DelRecord(item));
+            said << QString::number(store.orders_DelAllDBRecords());
+        }
+        return said.join(' ');
+    });
+    const auto cannotCreate = QString::number(static_cast<int>(OrderStoreFault::CannotCreate));
+    const auto refused = QString::number(static_cast<int>(OrderStoreFault::ReadOnly));
+    EXPECT_EQ(answers, QString("-3 %1 -3 -3 -3 -2 %2 -1 -1 -1").arg(cannotCreate, refused));
+
+    QFile::setPermissions(dir.filePath("empty"), readOnly | QFile::WriteOwner);
+    QFile::setPermissions(dir.filePath("kept"), readOnly | QFile::WriteOwner);
+    QFile::setPermissions(keptFile, QFile::ReadOwner | QFile::WriteOwner);
+    EXPECT_TRUE(QDir(dir.filePath("empty")).isEmpty());
+    EXPECT_EQ(QDir(dir.filePath("kept")).entryList(QDir::Files), QStringList{kSerial + "_Orders.sqlite"});
+    EXPECT_EQ(kept.orders_FindRecord(Item(5, 0, 0, "Α", 1, 1)).itemUID, 1);
+}
+
+// A writer killed at any moment leaves every call whole: the file passes its
+// integrity check, each row carries all its fields and the line counter stands
+// at the last row.
+TEST_F(OrderStoreTest, AWriterKilledAtRandomMomentsLeavesTheStoreWhole)
+{
+    constexpr int kKills = 25;
+    constexpr qint32 kRoundSpan = 100000;
+    const auto priceOf = [](qint32 uid) { return uid % 500 + 35; };
+    const auto quantityOf = [](qint32 uid) { return uid % 997 + 1; };
+    const auto descOf = [](qint32 uid) { return QStringLiteral("ΕΙΔΟΣ %1").arg(uid); };
+    QRandomGenerator random(42);
+    int failedAdds = 0;
+
+    for (int round = 0; round < kKills; ++round) {
+        int progress[2];
+        ASSERT_EQ(pipe(progress), 0);
+        const pid_t pid = fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            close(progress[0]);
+            clsItemData store = Store();
+            for (qint32 uid = round * kRoundSpan;; ++uid) {
+                const clsTable item = Item(static_cast<qint16>(uid % 290 + 1), uid, 1, descOf(uid),
+                                           quantityOf(uid) / 1000.0, priceOf(uid) / 100.0);
+                const char mark = store.orders_AddRecord(item) == 0 ? '+' : 'f';
+                (void)!write(progress[1], &mark, 1);
+            }
+        }
+        close(progress[1]);
+        const int rowsBeforeKill = 1 + random.bounded(4);
+        for (int seen = 0; seen < rowsBeforeKill;) {
+            char mark = 0;
+            ASSERT_EQ(read(progress[0], &mark, 1), 1);
+            failedAdds += mark == 'f';
+            ++seen;
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(random.bounded(3000)));
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+        close(progress[0]);
+    }
+    EXPECT_EQ(failedAdds, 0);
+
+    clsItemData store = Store();
+    EXPECT_EQ(store.orders_FindRecord(clsTable(), "select * from ecrOrders").Result, 0);
+    EXPECT_EQ(RawText(StorePath(), "PRAGMA integrity_check"), "ok");
+    const auto rows = RawRows(StorePath(), "SELECT itemUID, tableNUM, itemDesc, itemQuantity, itemPrice, "
+                                           "itemDep, itemVatRate, zNumber, bTransfered, eNum FROM ecrOrders");
+    ASSERT_GE(rows.size(), static_cast<size_t>(kKills));
+    std::set<int> lines;
+    for (const QVariantList& row : rows) {
+        const qint32 uid = row[0].toInt();
+        SCOPED_TRACE(uid);
+        EXPECT_EQ(row[1].toInt(), uid % 290 + 1);
+        EXPECT_EQ(row[2].toString(), descOf(uid).leftJustified(24));
+        EXPECT_EQ(row[3].toInt(), quantityOf(uid));
+        EXPECT_EQ(row[4].toInt(), priceOf(uid));
+        EXPECT_EQ(row[5].toInt(), 2);
+        EXPECT_EQ(row[6].toDouble(), 2400.0);
+        EXPECT_EQ(row[7].toInt(), kZ);
+        EXPECT_EQ(row[8].toInt(), 0);
+        lines.insert(row[9].toInt());
+    }
+    // Each row came with its own line number, with no gap: row and counter commit together.
+    EXPECT_EQ(lines.size(), rows.size());
+    EXPECT_EQ(*lines.begin(), 1);
+    EXPECT_EQ(*lines.rbegin(), static_cast<int>(rows.size()));
+    EXPECT_EQ(RawText(StorePath(), "SELECT eNum FROM cntLine_ecrOrders"), QString::number(rows.size()));
+}
+
+} // namespace
