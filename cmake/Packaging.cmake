@@ -45,7 +45,6 @@ string(CONCAT CPACK_PACKAGE_DESCRIPTION
     "over RS-232 or TCP and writes a result file back. It runs as a service\n"
     "(kerbano --headless) or in the desktop session with a window and tray icon.\n"
     "kerbano-ecr-sim, a virtual register, is included for trying it out.")
-set(CPACK_RESOURCE_FILE_README ${CMAKE_SOURCE_DIR}/README.md)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 
