@@ -7,15 +7,14 @@ TEST_F(EngineTest, AFileAppearingIsPrintedDeletedAndReportedInItsResultFile)
     startPolling(pollingParams());
     bool timer1ArmedDuringJob = true;
     bool ignoreBusyDuringJob = false;
-    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings& settings) {
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings& settings) {
         walked << line;
         timer1ArmedDuringJob = engine->timer1().armed;
         ignoreBusyDuringJob = engine->moduleVariables().IgnoreOperatorBusy;
         EXPECT_EQ(settings.printDesc, QStringLiteral("true"));
         return true;
     });
-    hooks.isOperatorBusy = [] { return false; };
-    engine->setHooks(hooks);
+    parts.isOperatorBusy_ = [] { return false; };
     QStringList statusLines;
     QObject::connect(&form, &FormModel::statusLineChanged, [&](const QString& s) { statusLines << s; });
 
@@ -117,16 +116,16 @@ TEST_F(EngineTest, SingleFileWayWaitsForItsFilePrintsItAndEnds)
 
 TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
 {
-    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings&) {
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
         walked << line;
         engine->receiptState().TableMode = 1;
         engine->receiptState().setCurrentTable(5);
         engine->receiptState().PaymentDone = true;
         return !line.startsWith(QLatin1String(" exit"));
     });
-    hooks.cardPaymentLines = [] { return QStringList{"ccPay0 = a;b;c;d;e;f;g;h"}; };
-    hooks.closeJob = [] { return DocumentFigures{6.5, 1287, 42, -1}; };
-    hooks.isOperatorBusy = [] { return true; };
+    parts.cardPaymentLines_ = [] { return QStringList{"ccPay0 = a;b;c;d;e;f;g;h"}; };
+    parts.documentFigures_ = [] { return DocumentFigures{6.5, 1287, 42, -1}; };
+    parts.isOperatorBusy_ = [] { return true; };
     startPolling(pollingParams());
     put(QStringLiteral("print.1"), " PLU x\r\n exit\r\n PLU never\r\n");
     engine->timer1Tick();
@@ -145,7 +144,7 @@ TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
 
 TEST_F(EngineTest, BadInputStillGetsItsClosingLinesAndPollingGoesOn)
 {
-    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings&) -> bool {
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) -> bool {
         if (line.contains(QLatin1String("boom")))
             throw std::runtime_error("interpreter fault");
         walked << line;
