@@ -32,9 +32,13 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     , printer_(link_, engine_.receiptState(), engine_.moduleVariables(), person, form,
                engine_.progress(), workFile(kPayEftFile))
     , reports_(link_, printer_, engine_.receiptState(), engine_.moduleVariables(), form)
+    , actions_(form, person, engine_.moduleVariables(), *this)
 {
     printer_.setCardRoads(cards_);
     engine_.attach(link_, printer_, *this, *this);
+    QObject::connect(&engine_, &Engine::freed, &actions_, &ActionRegistry::runWaiting,
+                     Qt::QueuedConnection);
+    wireMenuActions();
 }
 
 QString Driver::workFile(const QString& name) const
@@ -80,4 +84,15 @@ void Driver::startBatchFile(const QString& path)
 #else
     QProcess::startDetached(path, {});
 #endif
+}
+
+bool Driver::jobInProgress() const
+{
+    return engine_.busy();
+}
+
+bool Driver::inConversation() const
+{
+    // The link runs the event loop only inside the device-wait window's polling.
+    return link_.WaitFormOpen();
 }

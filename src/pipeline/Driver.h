@@ -3,7 +3,9 @@
 #include "link/PortLink.h"
 #include "operations/FPrinterOperations.h"
 #include "payments/UnavailableCardRoads.h"
+#include "pipeline/ActionRegistry.h"
 #include "pipeline/Engine.h"
+#include "pipeline/EngineActivity.h"
 #include "pipeline/JobParts.h"
 #include "pipeline/StartParts.h"
 #include "reports/ReportRun.h"
@@ -24,10 +26,10 @@ struct DriverOptions {
 };
 
 // The whole driver put together: the engine with its link to the register,
-// FPrinterWrite, the print-file interpreter and the report runs. It supplies
-// the parts of a job that live below the pipeline. The window, the headless
-// life and the tests each build one and drive its engine.
-class Driver final : private JobParts, private StartParts {
+// FPrinterWrite, the print-file interpreter, the report runs and the menu
+// actions. It supplies the parts of a job that live below the pipeline. The
+// window, the headless life and the tests each build one and drive its engine.
+class Driver final : private JobParts, private StartParts, private EngineActivity {
 public:
     Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory& transports,
            DriverOptions options);
@@ -38,6 +40,7 @@ public:
     FPrinterOperations& printer() { return printer_; }
     ReportRun& reports() { return reports_; }
     CommunicationLog& log() { return log_; }
+    ActionRegistry& actions() { return actions_; }
 
 private:
     // JobParts
@@ -50,6 +53,11 @@ private:
     // StartParts
     void readDeviceVatRates() override;
     void startBatchFile(const QString& path) override;
+    // EngineActivity
+    bool jobInProgress() const override;
+    bool inConversation() const override;
+
+    void wireMenuActions();
     QString workFile(const QString& name) const;
 
     Clock& clock_;
@@ -62,4 +70,5 @@ private:
     UnavailableCardRoads cards_;
     FPrinterOperations printer_;
     ReportRun reports_;
+    ActionRegistry actions_;
 };

@@ -124,12 +124,18 @@ protected:
         ASSERT_TRUE(writeParamFile(dir.filePath(QStringLiteral("param.ini")), f, QDate(2026, 1, 2)));
     }
 
-    void start(const QString& commandLine = QString())
+    // An engine put together but not started.
+    void build(const QString& commandLine = QString(), bool honourAutoStart = true)
     {
-        engine = std::make_unique<Engine>(clock, person, form, EngineOptions{dir.path(), commandLine});
+        engine = std::make_unique<Engine>(clock, person, form,
+                                          EngineOptions{dir.path(), commandLine, honourAutoStart});
         printer = std::make_unique<ScriptedPrinter>(engine->receiptState());
         printer->statusAfterScript = initializeStatusAtStart;
         engine->attach(link, *printer, parts, parts);
+    }
+    void start(const QString& commandLine = QString())
+    {
+        build(commandLine);
         engine->Form_Load();
     }
     // Started, device found, polling.

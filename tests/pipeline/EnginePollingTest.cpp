@@ -180,3 +180,21 @@ TEST_F(EngineTest, ParamFileGoneAtATickIsShownAndPollingResumesWhenItIsBack)
     EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.1"))));
     EXPECT_EQ(form.comstattxt(), QStringLiteral("Αναμονη Για Στοιχεια...."));
 }
+
+TEST_F(EngineTest, ThePrintJobIsTheResultFilesOneWriterAndOnlyWhileItRuns)
+{
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
+        if (line == QLatin1String(" SND x"))
+            engine->resultSink().appendResultLine(QStringLiteral("Err = 44, [x] DateTime = now"));
+        return true;
+    });
+    startPolling(pollingParams());
+    engine->resultSink().appendResultLine(QStringLiteral("before any job"));
+    put(QStringLiteral("print.1"), "tag:  sink\r\n SND x\r\n");
+    engine->timer1Tick();
+    engine->resultSink().appendResultLine(QStringLiteral("after the job"));
+    EXPECT_EQ(resultLines().mid(0, 3),
+              (QStringList{"tag = sink", "DateTime start = 02/01/2026 10:20:30", "Err = 44, [x] DateTime = now"}));
+    EXPECT_EQ(resultLines().last(), QStringLiteral("exitcode = 0"));
+    EXPECT_EQ(resultLines().size(), 7);
+}

@@ -113,3 +113,17 @@ TEST_F(EngineTest, ButtonsAlternatePollingAndStoppedWithTheirCheckMarks)
     EXPECT_FALSE(form.state().menus.pStart.checked);
     EXPECT_TRUE(form.state().menus.pStop.checked);
 }
+
+TEST_F(EngineTest, TheTrayTipFollowsTheCaptionAtEachUpkeepCutToSixtyThreeCharacters)
+{
+    writeParams(pollingParams());
+    start();
+    engine->timer2Tick();
+    EXPECT_TRUE(form.trayTip().isEmpty()); // only the upkeep moves it
+    engine->mTimerTick();
+    EXPECT_EQ(form.trayTip(), QStringLiteral("Kerbano- Έτοιμο"));
+
+    form.setCaption(QString(70, QLatin1Char('K')));
+    engine->mTimerTick();
+    EXPECT_EQ(form.trayTip(), QString(63, QLatin1Char('K')));
+}
