@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QMetaType>
+
 // The states of the main form, as its status line and caption tell them.
 enum class EngineState {
     Starting,   // before Form_Load has opened the link
@@ -11,3 +13,5 @@ enum class EngineState {
     Printing,   // a job runs
     Stopped,    // Command2 stopped polling
 };
+
+Q_DECLARE_METATYPE(EngineState)
