@@ -21,19 +21,24 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
                DriverOptions options)
     : clock_(clock)
     , person_(person)
+    , form_(form)
     , options_(std::move(options))
     , engine_(clock, person, form,
-              EngineOptions{orCurrent(options_.workingDirectory), options_.commandLine})
+              EngineOptions{orCurrent(options_.workingDirectory), options_.commandLine,
+                            options_.honourAutoStart})
     , log_(orCurrent(options_.programDirectory), engine_.moduleVariables())
     , link_(engine_.moduleVariables(), clock, person, form, transports, log_)
     , cards_(link_)
     , printer_(link_, engine_.receiptState(), engine_.moduleVariables(), person, form,
                engine_.progress(), workFile(kPayEftFile))
     , reports_(link_, printer_, engine_.receiptState(), engine_.moduleVariables(), form)
+    , actions_(form, person, engine_.moduleVariables(), *this)
 {
     printer_.setCardRoads(cards_);
-    engine_.attach(link_, printer_);
-    engine_.setHooks(makeHooks());
+    engine_.attach(link_, printer_, *this, *this);
+    QObject::connect(&engine_, &Engine::freed, &actions_, &ActionRegistry::runWaiting,
+                     Qt::QueuedConnection);
+    wireMenuActions();
 }
 
 QString Driver::workFile(const QString& name) const
@@ -41,22 +46,53 @@ QString Driver::workFile(const QString& name) const
     return QDir(orCurrent(options_.workingDirectory)).filePath(name);
 }
 
-EngineHooks Driver::makeHooks()
+void Driver::interpretLines(const QStringList& lines, const JobSettings& settings,
+                            const LineReached& lineReached)
 {
-    EngineHooks hooks;
-    hooks.readDeviceVatRates = [this] { ReadDeviceVatRates(link_, workFile(kVatsFile)); };
-    hooks.interpretLines = [this](const QStringList& lines, const JobSettings& settings,
-                                  const std::function<void(qsizetype)>& lineReached) {
-        InterpreterContext context{engine_.receiptState(), engine_.moduleVariables(), printer_,
-                                   link_, person_, clock_, cards_,
-                                   orCurrent(options_.workingDirectory),
-                                   [this] { reports_.dailyZ(); }};
-        PrintFileInterpreter interpreter(std::move(context), settings);
-        interpreter.run(lines, [&lineReached](int i) { lineReached(i); });
-    };
-    hooks.cardPaymentLines = [this] { return CardPaymentLines(link_, engine_.receiptState()); };
-    hooks.closeJob = [this] { return ReadDocumentFigures(link_, engine_.receiptState()); };
-    hooks.isOperatorBusy = [this] { return link_.IsOperatorBusy(); };
-    hooks.startBatchFile = [](const QString& path) { QProcess::startDetached(path, {}); };
-    return hooks;
+    InterpreterContext context{engine_.receiptState(), engine_.moduleVariables(), printer_,
+                               link_, person_, clock_, cards_, engine_.resultSink(),
+                               orCurrent(options_.workingDirectory),
+                               [this] { reports_.dailyZ(); }};
+    PrintFileInterpreter interpreter(std::move(context), settings);
+    interpreter.run(lines, [&lineReached](int i) { lineReached(i); });
+}
+
+QStringList Driver::cardPaymentLines()
+{
+    return CardPaymentLines(link_, engine_.receiptState());
+}
+
+DocumentFigures Driver::documentFigures()
+{
+    return ReadDocumentFigures(link_, engine_.receiptState());
+}
+
+bool Driver::isOperatorBusy()
+{
+    return link_.IsOperatorBusy();
+}
+
+void Driver::readDeviceVatRates()
+{
+    ReadDeviceVatRates(link_, workFile(kVatsFile));
+}
+
+void Driver::startBatchFile(const QString& path)
+{
+#ifdef Q_OS_WIN
+    QProcess::startDetached(QStringLiteral("cmd"), {QStringLiteral("/c"), path});
+#else
+    QProcess::startDetached(path, {});
+#endif
+}
+
+bool Driver::jobInProgress() const
+{
+    return engine_.busy();
+}
+
+bool Driver::inConversation() const
+{
+    // The link runs the event loop only inside the device-wait window's polling.
+    return link_.WaitFormOpen();
 }

@@ -3,7 +3,11 @@
 #include "link/PortLink.h"
 #include "operations/FPrinterOperations.h"
 #include "payments/UnavailableCardRoads.h"
+#include "pipeline/ActionRegistry.h"
 #include "pipeline/Engine.h"
+#include "pipeline/EngineActivity.h"
+#include "pipeline/JobParts.h"
+#include "pipeline/StartParts.h"
 #include "reports/ReportRun.h"
 #include "shell/CommunicationLog.h"
 
@@ -18,12 +22,14 @@ struct DriverOptions {
     QString workingDirectory; // param.ini, vats.dat, payeft.dat and relative paths
     QString programDirectory; // kerbanoLog.txt
     QString commandLine;      // the system's own command line; empty for the param.ini life
+    bool honourAutoStart = true; // false when the life only runs one menu action
 };
 
 // The whole driver put together: the engine with its link to the register,
-// FPrinterWrite, the print-file interpreter and the report runs. The window,
-// the headless life and the tests each build one and drive its engine.
-class Driver {
+// FPrinterWrite, the print-file interpreter, the report runs and the menu
+// actions. It supplies the parts of a job that live below the pipeline. The
+// window, the headless life and the tests each build one and drive its engine.
+class Driver final : private JobParts, private StartParts, private EngineActivity {
 public:
     Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory& transports,
            DriverOptions options);
@@ -34,13 +40,29 @@ public:
     FPrinterOperations& printer() { return printer_; }
     ReportRun& reports() { return reports_; }
     CommunicationLog& log() { return log_; }
+    ActionRegistry& actions() { return actions_; }
 
 private:
-    EngineHooks makeHooks();
+    // JobParts
+    void interpretLines(const QStringList& lines, const JobSettings& settings,
+                        const LineReached& lineReached) override;
+    void finishCardPayment() override {}
+    QStringList cardPaymentLines() override;
+    DocumentFigures documentFigures() override;
+    bool isOperatorBusy() override;
+    // StartParts
+    void readDeviceVatRates() override;
+    void startBatchFile(const QString& path) override;
+    // EngineActivity
+    bool jobInProgress() const override;
+    bool inConversation() const override;
+
+    void wireMenuActions();
     QString workFile(const QString& name) const;
 
     Clock& clock_;
     Operator& person_;
+    FormModel& form_;
     DriverOptions options_;
     Engine engine_;
     CommunicationLog log_;
@@ -48,4 +70,5 @@ private:
     UnavailableCardRoads cards_;
     FPrinterOperations printer_;
     ReportRun reports_;
+    ActionRegistry actions_;
 };

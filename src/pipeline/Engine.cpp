@@ -1,19 +1,16 @@
 #include "pipeline/Engine.h"
 
 #include "config/ParamFileReader.h"
-#include "config/RegionalNumber.h"
 #include "link/DeviceLink.h"
 #include "operations/FPrinter.h"
 #include "pipeline/CommandLine.h"
+#include "pipeline/StartParts.h"
 #include "shell/Clock.h"
 #include "shell/FormModel.h"
 #include "shell/Operator.h"
 #include "shell/Paths.h"
 
 #include <QDir>
-#include <QFileInfo>
-#include <QProcess>
-#include <exception>
 
 namespace {
 const QString kCaptionSearching = QStringLiteral("Kerbano- Αναζήτηση");
@@ -34,14 +31,11 @@ const QString kStatusNoParamFile = QStringLiteral("Λάθος : Δεν βρέθ�
 const QString kTitleBeforeDevice = QStringLiteral("Μύνημα Kerbano");
 const QString kParamFileName = QStringLiteral("param.ini");
 const QString kBatchFile = QStringLiteral("\\kerbano\\cop2ker.bat");
-constexpr int kHighestNumberedFile = 10;
-constexpr int kMaxProgress = 32767;
-constexpr int kAmountDecimals = 2;
 
-const QStringList kMenuOffWhenLinkFailed = {
-    QStringLiteral("help"),  QStringLiteral("Ver"),  QStringLiteral("reports"),
-    QStringLiteral("mZREp"), QStringLiteral("pStart"), QStringLiteral("pStop"),
-    QStringLiteral("paramEFT")};
+const FormModel::Entry kMenuOffWhenLinkFailed[] = {&MenuStates::help,   &MenuStates::Ver,
+                                                   &MenuStates::reports, &MenuStates::mZREp,
+                                                   &MenuStates::pStart, &MenuStates::pStop,
+                                                   &MenuStates::paramEFT};
 
 int deviceTypeOf(const QString& ecrt)
 {
@@ -55,40 +49,67 @@ int deviceTypeOf(const QString& ecrt)
     return 0;
 }
 
+EngineOptions withWorkingDirectory(EngineOptions options)
+{
+    if (options.workingDirectory.isEmpty())
+        options.workingDirectory = QDir::currentPath();
+    return options;
+}
+
 } // namespace
+
+// Marks the engine busy for the length of a start, a tick or a job; leaving
+// the outermost one tells whoever waits that the engine is free.
+class Engine::Work {
+public:
+    explicit Work(Engine& engine)
+        : engine_(engine)
+    {
+        ++engine_.workDepth_;
+    }
+    ~Work()
+    {
+        if (--engine_.workDepth_ == 0 && !engine_.ended_)
+            emit engine_.freed();
+    }
+    Q_DISABLE_COPY_MOVE(Work)
+
+private:
+    Engine& engine_;
+};
 
 Engine::Engine(Clock& clock, Operator& person, FormModel& form, EngineOptions options, QObject* parent)
     : QObject(parent)
     , clock_(clock)
     , person_(person)
     , form_(form)
-    , options_(std::move(options))
+    , options_(withWorkingDirectory(std::move(options)))
     , progress_(form)
+    , job_(clock, person, form, vars_, state_, progress_, options_.workingDirectory)
+    , watch_(options_.workingDirectory)
+    , search_(form, vars_, state_)
 {
-    if (options_.workingDirectory.isEmpty())
-        options_.workingDirectory = QDir::currentPath();
 }
 
-void Engine::attach(DeviceLink& link, FPrinter& printer)
+void Engine::attach(DeviceLink& link, FPrinter& printer, JobParts& jobParts, StartParts& startParts)
 {
     link_ = &link;
     printer_ = &printer;
-}
-
-void Engine::setHooks(EngineHooks hooks)
-{
-    hooks_ = std::move(hooks);
+    startParts_ = &startParts;
+    job_.attach(jobParts);
+    search_.attach(link, printer);
 }
 
 // ---- start ---------------------------------------------------------------
 
 void Engine::Form_Load()
 {
-    Q_ASSERT(link_ && printer_);
+    Q_ASSERT(link_ && printer_ && startParts_);
+    const Work work(*this);
     if (commandLineLife()) {
         const CommandLineFields fields = readcoman(options_.commandLine);
         if (!commandLineUsable(fields)) {
-            end(1); // a wrong command line ends the process without a word
+            end(kExitWrongCommandLine); // a wrong command line ends the process without a word
             return;
         }
         settings_ = commandLineSettings(fields);
@@ -108,18 +129,20 @@ void Engine::Form_Load()
     qint16 status = 0;
     QString reply;
     link_->OpenDeviceLink(vars_.port, status, reply, false);
-    if (status != 0 || !link_->isConnected()) {
+    const bool opened = status == 0 && link_->isConnected();
+    if (!opened) {
         enterLinkFailed(status, reply);
     } else {
         if (!vars_.DeviceLabel.isEmpty())
             form_.setLabel2(vars_.DeviceLabel);
-        hooks_.readDeviceVatRates();
+        startParts_->readDeviceVatRates();
         setTimer(timer2_, true, kTimer2Ms);
         setTimer(mTimer_, true);
     }
-    form_.setEnabled(QStringLiteral("Command1"), false);
-    form_.setEnabled(QStringLiteral("Command2"), false);
+    form_.setCommand1Enabled(false);
+    form_.setCommand2Enabled(false);
     setTimer(timer1_, false);
+    enter(opened ? EngineState::Searching : EngineState::LinkFailed);
 
     if (commandLineLife())
         commandLineJob();
@@ -146,29 +169,29 @@ void Engine::readStartSettings()
 
 void Engine::showSettings()
 {
-    form_.setField(QStringLiteral("serialtxt"), vars_.port);
-    form_.setField(QStringLiteral("baudtxt"), vars_.baud);
-    form_.setField(QStringLiteral("filetxt"), settings_.file + QStringLiteral(" @Path : ") + settings_.location);
-    form_.setField(QStringLiteral("ecrtxt"), settings_.ecrt);
-    form_.setField(QStringLiteral("desctxt"), settings_.printDesc == QLatin1String("true")
-                                                  ? QStringLiteral("Να Εκτυπωνεται")
-                                                  : QStringLiteral("Να ΜΗΝ Εκτυπωνεται"));
-    form_.setField(QStringLiteral("commentstxt"),
-                   settings_.comments == QLatin1String("fals") ? QStringLiteral("Οχι") : QStringLiteral("Nαι"));
-    QString currency;
-    if (settings_.currency == QLatin1String("0") || settings_.currency == QLatin1String("1"))
-        currency = QStringLiteral("Κυριο Νομισμα");
-    else if (settings_.currency == QLatin1String("2"))
-        currency = QStringLiteral("δευτερευων Νομισμα");
-    form_.setField(QStringLiteral("currtxt"), currency);
+    form_.update([this](FormState& f) {
+        f.serialtxt = vars_.port;
+        f.baudtxt = vars_.baud;
+        f.filetxt = settings_.file + QStringLiteral(" @Path : ") + settings_.location;
+        f.ecrtxt = settings_.ecrt;
+        f.desctxt = settings_.printDesc == QLatin1String("true") ? QStringLiteral("Να Εκτυπωνεται")
+                                                                 : QStringLiteral("Να ΜΗΝ Εκτυπωνεται");
+        f.commentstxt = settings_.comments == QLatin1String("fals") ? QStringLiteral("Οχι")
+                                                                    : QStringLiteral("Nαι");
+        f.currtxt.clear();
+        if (settings_.currency == QLatin1String("0") || settings_.currency == QLatin1String("1"))
+            f.currtxt = QStringLiteral("Κυριο Νομισμα");
+        else if (settings_.currency == QLatin1String("2"))
+            f.currtxt = QStringLiteral("δευτερευων Νομισμα");
+    });
 }
 
 void Engine::enterLinkFailed(qint16 status, const QString& reply)
 {
     form_.setComstattxt(QStringLiteral("Λάθος : %1 - %2").arg(status).arg(reply));
     setTimer(timer2_, false, kTimer2Ms);
-    for (const QString& entry : kMenuOffWhenLinkFailed)
-        form_.setEnabled(entry, false);
+    for (const FormModel::Entry entry : kMenuOffWhenLinkFailed)
+        form_.setMenuEnabled(entry, false);
 }
 
 // The one file of the command-line life, then the end.
@@ -177,9 +200,36 @@ void Engine::commandLineJob()
     setTimer(timer2_, false);
     setTimer(timer1_, true, kTimer1DesignedMs);
 
-    // The register may still be waking: ask it a few times. A register that
-    // stays silent gets no file: it stays where it is, unprinted, for the next run.
-    const QString path = workPath(settings_.location + settings_.file);
+    const QString path = watch_.namedPath(settings_);
+    if (!initializeForCommandLine()) {
+        form_.setComstattxt(QStringLiteral("Λάθος : %1 - %2").arg(state_.LastStatus).arg(state_.LastReply));
+        person_.message(messageTitle(),
+                        QStringLiteral("Η φορολογική ταμειακή δεν απαντά. Το αρχείο %1 δεν εκτυπώθηκε "
+                                       "και παραμένει για την επόμενη εκτέλεση.")
+                            .arg(QDir::toNativeSeparators(path)),
+                        Operator::Icon::Critical);
+        closeLinkIfOpen();
+        end(kExitRegisterSilent);
+        return;
+    }
+    form_.setComstattxt(kStatusReady);
+    form_.setCaption(kCaptionReady);
+    form_.setCommand1Enabled(true);
+    setTimer(timer2_, false);
+    enter(EngineState::Ready);
+
+    inJob_ = true;
+    getdata(path, settings_);
+    mFile::DeleteFile(path);
+    inJob_ = false;
+    command1();
+    unload();
+}
+
+// The register may still be waking: ask it a few times. A register that
+// stays silent gets no file: it stays where it is, unprinted, for the next run.
+bool Engine::initializeForCommandLine()
+{
     const qint64 giveUpAt = clock_.monotonicMs() + kCommandLineInitializeGiveUpMs;
     for (int attempt = 0; attempt < kCommandLineInitializeAttempts; ++attempt) {
         if (attempt > 0) {
@@ -194,31 +244,9 @@ void Engine::commandLineJob()
         }
         printer_->FPrinterWrite(QString(), QStringLiteral("initialize"));
         if (state_.LastStatus == 0)
-            break;
+            return true;
     }
-    if (state_.LastStatus != 0) {
-        form_.setComstattxt(QStringLiteral("Λάθος : %1 - %2").arg(state_.LastStatus).arg(state_.LastReply));
-        person_.message(messageTitle(),
-                        QStringLiteral("Η φορολογική ταμειακή δεν απαντά. Το αρχείο %1 δεν εκτυπώθηκε "
-                                       "και παραμένει για την επόμενη εκτέλεση.")
-                            .arg(QDir::toNativeSeparators(path)),
-                        Operator::Icon::Critical);
-        if (link_->isConnected())
-            link_->CloseDeviceLink();
-        end(kExitRegisterSilent);
-        return;
-    }
-    form_.setComstattxt(kStatusReady);
-    form_.setCaption(kCaptionReady);
-    form_.setEnabled(QStringLiteral("Command1"), true);
-    setTimer(timer2_, false);
-
-    inJob_ = true;
-    getdata(path, settings_);
-    mFile::DeleteFile(path);
-    inJob_ = false;
-    command1();
-    unload();
+    return false;
 }
 
 // ---- device search ---------------------------------------------------------
@@ -227,49 +255,41 @@ void Engine::timer2Tick()
 {
     if (ended_ || !timer2_.armed)
         return;
-    if (timer2Tag_ >= kSearchesBeforeOffLine) {
-        form_.setComstattxt(kStatusOffLine);
-        form_.setCaption(kCaptionOffLine);
-        return;
-    }
-    if (!link_->isConnected()) {
-        qint16 status = 0;
-        QString reply;
-        link_->OpenDeviceLink(vars_.port, status, reply, false);
-        form_.setComstattxt(reply);
-        if (status != 0 || !link_->isConnected()) {
-            ++timer2Tag_;
-            return;
-        }
-    }
-    const bool serial = !link_->tcpPort();
-    form_.setVisible(QStringLiteral("baudlbl"), serial);
-    form_.setVisible(QStringLiteral("baudtxt"), serial);
-    form_.setEnabled(QStringLiteral("reports"), false);
-    form_.setEnabled(QStringLiteral("Command1"), false);
-    form_.setComstattxt(kStatusSearching);
-
-    printer_->FPrinterWrite(QString(), QStringLiteral("initialize"));
-    if (state_.LastStatus == 0) {
+    const Work work(*this);
+    switch (search_.tick()) {
+    case DeviceSearch::Outcome::OffLine:
+        enterOffLine();
+        break;
+    case DeviceSearch::Outcome::Answered:
         enterReady();
-        if (autoStart_) {
+        if (autoStart_ && options_.honourAutoStart) {
             command1();
             form_.setFormShown(false);
         }
-    } else {
-        ++timer2Tag_;
+        break;
+    case DeviceSearch::Outcome::LinkFailed:
+    case DeviceSearch::Outcome::Silent:
+        break;
     }
+}
+
+void Engine::enterOffLine()
+{
+    form_.setComstattxt(kStatusOffLine);
+    form_.setCaption(kCaptionOffLine);
+    enter(EngineState::OffLine);
 }
 
 void Engine::enterReady()
 {
     form_.setComstattxt(kStatusReady);
     form_.setCaption(kCaptionReady);
-    form_.setEnabled(QStringLiteral("Command1"), true);
+    form_.setCommand1Enabled(true);
     setTimer(timer2_, false);
-    form_.setEnabled(QStringLiteral("reports"), true);
+    form_.setMenuEnabled(&MenuStates::reports, true);
     if (!vars_.DeviceLabel.isEmpty())
         form_.setLabel2(vars_.DeviceLabel);
+    enter(EngineState::Ready);
 }
 
 // ---- buttons and tray upkeep ------------------------------------------------
@@ -280,50 +300,44 @@ void Engine::command1()
         setTimer(timer1_, true, kTimer1CommandLineMs);
     else
         setTimer(timer1_, true);
-    form_.setEnabled(QStringLiteral("Command1"), false);
-    form_.setEnabled(QStringLiteral("Command2"), true);
-    if (commandLineStartsBatch(options_.commandLine)) {
-        const QString batch = workPath(kBatchFile);
-        if (hooks_.startBatchFile) {
-            hooks_.startBatchFile(batch);
-        } else {
-#ifdef Q_OS_WIN
-            QProcess::startDetached(QStringLiteral("cmd"), {QStringLiteral("/c"), batch});
-#else
-            QProcess::startDetached(batch, {});
-#endif
-        }
-    }
+    form_.setCommand1Enabled(false);
+    form_.setCommand2Enabled(true);
+    startBatchFileWhenAsked();
     showWaiting();
-    form_.setEnabled(QStringLiteral("reports"), false);
-    form_.setEnabled(QStringLiteral("Settings"), false);
+    form_.setMenuEnabled(&MenuStates::reports, false);
+    form_.setMenuEnabled(&MenuStates::Settings, false);
+    enter(EngineState::Polling);
+}
+
+void Engine::startBatchFileWhenAsked()
+{
+    if (commandLineStartsBatch(options_.commandLine))
+        startParts_->startBatchFile(ResolveAgainst(options_.workingDirectory, kBatchFile));
 }
 
 void Engine::command2()
 {
     setTimer(timer1_, false);
-    form_.setEnabled(QStringLiteral("Command2"), false);
-    form_.setEnabled(QStringLiteral("Command1"), true);
+    form_.setCommand2Enabled(false);
+    form_.setCommand1Enabled(true);
     form_.setComstattxt(kStatusStopped);
     form_.setCaption(kCaptionStopped);
-    form_.setEnabled(QStringLiteral("reports"), true);
-    form_.setEnabled(QStringLiteral("Settings"), true);
+    form_.setMenuEnabled(&MenuStates::reports, true);
+    form_.setMenuEnabled(&MenuStates::Settings, true);
+    enter(EngineState::Stopped);
 }
 
 void Engine::mTimerTick()
 {
     if (ended_)
         return;
-    hooks_.trayUpkeep();
-    const bool start = form_.isEnabled(QStringLiteral("Command1"));
-    const bool stop = form_.isEnabled(QStringLiteral("Command2"));
-    if (!start && !stop) {
-        form_.setChecked(QStringLiteral("pStart"), false);
-        form_.setChecked(QStringLiteral("pStop"), false);
-        return;
-    }
-    form_.setChecked(QStringLiteral("pStart"), !start);
-    form_.setChecked(QStringLiteral("pStop"), !stop);
+    form_.update([](FormState& f) {
+        f.trayTip = f.caption.left(kTrayTipLength);
+        // Both marks are off while both buttons are, as during a device search.
+        const bool bothOff = !f.command1Enabled && !f.command2Enabled;
+        f.menus.pStart.checked = !bothOff && !f.command1Enabled;
+        f.menus.pStop.checked = !bothOff && !f.command2Enabled;
+    });
 }
 
 void Engine::showWaiting()
@@ -332,11 +346,10 @@ void Engine::showWaiting()
     form_.setCaption(kCaptionWaiting);
 }
 
-void Engine::unload()
+void Engine::unload(int exitCode)
 {
-    if (link_ && link_->isConnected())
-        link_->CloseDeviceLink();
-    end(0);
+    closeLinkIfOpen();
+    end(exitCode);
 }
 
 void Engine::end(int code)
@@ -350,6 +363,14 @@ void Engine::end(int code)
     emit ended(code);
 }
 
+void Engine::enter(EngineState state)
+{
+    if (engineState_ == state)
+        return;
+    engineState_ = state;
+    emit stateEntered(state);
+}
+
 // ---- polling ---------------------------------------------------------------
 
 void Engine::timer1Tick()
@@ -358,18 +379,24 @@ void Engine::timer1Tick()
     // command-line life runs its one file from the start, not from a tick.
     if (ended_ || inJob_ || !timer1_.armed || commandLineLife())
         return;
+    const Work work(*this);
     inJob_ = true;
     progress_.setValue(0);
-    looks_.beginLook();
-    if (readTickSettings()) {
-        if (settings_.multiType == QLatin1String("fals"))
+    watch_.beginLook();
+    if (!readTickSettings()) {
+        closeLinkIfOpen();
+    } else {
+        switch (FileWatch::wayOf(settings_)) {
+        case FileWatch::Way::SingleFile:
             singleFileTick();
-        else if (settings_.multiType == QLatin1String("true"))
+            break;
+        case FileWatch::Way::Polling:
             pollingTick();
-        else if (link_->isConnected())
-            link_->CloseDeviceLink();
-    } else if (link_->isConnected()) {
-        link_->CloseDeviceLink();
+            break;
+        case FileWatch::Way::Unknown:
+            closeLinkIfOpen();
+            break;
+        }
     }
     inJob_ = false;
 }
@@ -393,160 +420,59 @@ bool Engine::readTickSettings()
 // is there and finished the tick only waits.
 void Engine::singleFileTick()
 {
-    const QString path = workPath(settings_.location + settings_.file);
-    if (!isReady(path))
+    const std::optional<QString> path = watch_.singleFile(settings_);
+    if (!path)
         return;
-    if (!link_->isConnected()) {
-        qint16 status = 0;
-        QString reply;
-        link_->OpenDeviceLink(vars_.port, status, reply, false);
-    }
-    getdata(path, settings_);
-    if (!path.toUpper().endsWith(QLatin1String("PRG.1")))
-        mFile::DeleteFile(path);
+    openLinkIfClosed();
+    getdata(*path, settings_);
+    if (!FileWatch::keptAfterJob(*path, FileWatch::Way::SingleFile))
+        mFile::DeleteFile(*path);
     unload();
 }
 
 void Engine::pollingTick()
 {
-    const QString candidate = findCandidate();
-    if (!candidate.isEmpty() && isReady(candidate)) {
-        if (!link_->isConnected()) {
-            qint16 status = 0;
-            QString reply;
-            link_->OpenDeviceLink(vars_.port, status, reply, false);
-        }
-        getdata(candidate, settings_);
-        if (!candidate.endsWith(QLatin1String("prg.1")))
-            mFile::DeleteFile(candidate);
-        showWaiting();
-        return; // the link stays open for the next tick
+    const std::optional<QString> candidate = watch_.nextFile(settings_);
+    if (!candidate) {
+        // Nothing to print: let other programs have the port in the pause.
+        closeLinkIfOpen();
+        return;
     }
-    // Nothing to print: let other programs have the port in the pause.
+    openLinkIfClosed();
+    getdata(*candidate, settings_);
+    if (!FileWatch::keptAfterJob(*candidate, FileWatch::Way::Polling))
+        mFile::DeleteFile(*candidate);
+    showWaiting();
+    enter(EngineState::Polling);
+    // The link stays open for the next tick.
+}
+
+void Engine::openLinkIfClosed()
+{
     if (link_->isConnected())
+        return;
+    qint16 status = 0;
+    QString reply;
+    link_->OpenDeviceLink(vars_.port, status, reply, false);
+}
+
+void Engine::closeLinkIfOpen()
+{
+    if (link_ && link_->isConnected())
         link_->CloseDeviceLink();
-}
-
-QString Engine::findCandidate()
-{
-    const QString stem = workPath(settings_.location + settings_.file);
-    if (settings_.file.contains(QLatin1Char('*'))) {
-        const QFileInfo pattern(stem);
-        QDir::Filters filters = QDir::Files;
-#ifndef Q_OS_WIN
-        filters |= QDir::CaseSensitive;
-#endif
-        const QStringList names = pattern.dir().entryList({pattern.fileName()}, filters, QDir::Unsorted);
-        return names.isEmpty() ? QString() : pattern.dir().filePath(names.first());
-    }
-    for (int n = 1; n <= kHighestNumberedFile; ++n) {
-        const QString numbered = stem + QLatin1Char('.') + QString::number(n);
-        if (isReady(numbered))
-            return numbered;
-    }
-    return QString();
-}
-
-bool Engine::isReady(const QString& path)
-{
-    return mFile::IsFileReady(path, &looks_);
 }
 
 // ---- the job ---------------------------------------------------------------
 
 void Engine::getdata(const QString& path, const JobSettings& settings)
 {
+    const Work work(*this);
     setTimer(timer1_, false);
     form_.setComstattxt(kStatusPrinting);
     form_.setCaption(kCaptionPrinting);
-
-    const QString text = mFile::ReadWholeFile(path);
-    vars_.ResultPath = workPath(mFile::ReadResultPathLine(text));
-    vars_.JobTag = mFile::ReadTagLine(text);
-    // Only CR LF ends a line; a lone CR or LF belongs to the line it stands in.
-    const QStringList lines = text.split(QStringLiteral("\r\n"));
-    progress_.setMax(static_cast<qint16>(qMin<qsizetype>(lines.size(), kMaxProgress)));
-
-    resultWriteFailed_ = false;
-    writeResultLine(QStringLiteral("tag = ") + vars_.JobTag);
-    writeResultLine(QStringLiteral("DateTime start = ") + clock_.stamp());
-    vars_.IgnoreOperatorBusy = true;
-
-    walkLines(lines, settings);
-    closeJob();
-}
-
-void Engine::walkLines(const QStringList& lines, const JobSettings& settings)
-{
-    const auto lineReached = [this](qsizetype i) {
-        progress_.setValue(static_cast<qint16>(qMin<qsizetype>(i + 1, kMaxProgress)));
-    };
-    // A fault inside the walk ends it; the closing lines are written all the same.
-    try {
-        hooks_.interpretLines(lines, settings, lineReached);
-    } catch (const std::exception& fault) {
-        person_.message(messageTitle(), QStringLiteral("Λάθος : ") + QString::fromLocal8Bit(fault.what()),
-                        Operator::Icon::Critical);
-    } catch (...) {
-        person_.message(messageTitle(), QStringLiteral("Λάθος : ") + vars_.JobTag,
-                        Operator::Icon::Critical);
-    }
-}
-
-// Behind the last line. Whatever went before, the result file reaches its
-// exitcode line and polling is armed again.
-void Engine::closeJob()
-{
-    QStringList cardLines;
-    DocumentFigures figures;
-    try {
-        hooks_.finishCardPayment();
-        clock_.sleepMs(kDocumentSettleMs);
-        cardLines = hooks_.cardPaymentLines();
-    } catch (...) {
-        cardLines.clear();
-    }
-    for (const QString& line : cardLines)
-        writeResultLine(line);
-    writeResultLine(QStringLiteral("DateTime end = ") + clock_.stamp());
-
-    try {
-        figures = hooks_.closeJob();
-    } catch (...) {
-        figures = DocumentFigures();
-    }
-    const int recStatus = figures.amount != 0.0 ? 1 : 0;
-    state_.TableMode = 0;
-    state_.setCurrentTable(-1);
-    writeResultLine(QStringLiteral("recStatus = %1;%2").arg(recStatus).arg(FormatDeviceNumber(figures.amount, kAmountDecimals)));
-    writeResultLine(QStringLiteral("receipt = %1, %2, %3")
-                        .arg(figures.recNumberProgr)
-                        .arg(figures.recNumberDaily)
-                        .arg(figures.ordNumber));
-    writeResultLine(QStringLiteral("exitcode = 0"));
-    form_.setLblreceipt(QString::number(figures.recNumberDaily));
-
-    try {
-        vars_.IgnoreOperatorBusy = hooks_.isOperatorBusy();
-    } catch (...) {
-    }
-    state_.PaymentDone = false;
-    state_.CommentAfterTotal = false;
+    enter(EngineState::Printing);
+    job_.run(path, settings);
     setTimer(timer1_, true);
-
-    if (resultWriteFailed_) {
-        person_.message(messageTitle(),
-                        QStringLiteral("Δεν ήταν δυνατή η εγγραφή στο αρχείο αποτελεσμάτων : ") + vars_.ResultPath,
-                        Operator::Icon::Warning);
-    }
-}
-
-bool Engine::writeResultLine(const QString& line)
-{
-    const bool written = mFile::AppendLine(vars_.ResultPath, line);
-    if (!written)
-        resultWriteFailed_ = true;
-    return written;
 }
 
 // ---- small helpers -----------------------------------------------------------
@@ -554,11 +480,6 @@ bool Engine::writeResultLine(const QString& line)
 QString Engine::messageTitle() const
 {
     return vars_.DeviceLabel.isEmpty() ? kTitleBeforeDevice : vars_.DeviceLabel;
-}
-
-QString Engine::workPath(const QString& configured) const
-{
-    return ResolveAgainst(options_.workingDirectory, configured);
 }
 
 QString Engine::paramPath() const

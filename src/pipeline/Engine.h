@@ -2,8 +2,10 @@
 
 #include "config/JobSettings.h"
 #include "operations/ReceiptState.h"
-#include "pipeline/EngineHooks.h"
-#include "shell/FileProcedures.h"
+#include "pipeline/DeviceSearch.h"
+#include "pipeline/EngineState.h"
+#include "pipeline/FileWatch.h"
+#include "pipeline/PrintJob.h"
 #include "shell/ModuleVariables.h"
 #include "shell/ProgressIndicator.h"
 
@@ -14,18 +16,26 @@ class Clock;
 class DeviceLink;
 class FPrinter;
 class FormModel;
+class JobParts;
 class Operator;
+class ResultSink;
+class StartParts;
 
 struct EngineOptions {
     // Where param.ini lies and relative paths start; empty: the process's.
     QString workingDirectory;
     // The system's own command line; empty for the param.ini life.
     QString commandLine;
+    // [AutoStar]=yes starts polling once the register answers; a life that
+    // only runs one menu action leaves polling alone.
+    bool honourAutoStart = true;
 };
 
-// The main form's logic: start, the device search, polling for print files,
-// the frame of a job, and the states the form shows. Runs on one thread; its
-// timers are plain state that real QTimers (EngineTimers) or tests drive.
+// The main form's state machine: the start, the device search's outcome,
+// Timer1's ticks, the two buttons, the command-line life and the end. The
+// print job, the file watch and the device search do the work; the engine
+// decides when and shows the states. Runs on one thread; its timers are plain
+// state that real QTimers (EngineTimers) or tests drive.
 class Engine : public QObject {
     Q_OBJECT
 public:
@@ -38,28 +48,30 @@ public:
     static constexpr int kTimer1CommandLineMs = 1000;
     static constexpr int kTimer2Ms = 1000;
     static constexpr int kMTimerMs = 1000;
-    static constexpr int kSearchesBeforeOffLine = 3;
-    static constexpr int kDocumentSettleMs = 500;
+    // The tray tip holds the caption up to this length.
+    static constexpr int kTrayTipLength = 63;
     // The command-line life asks the register this often, this far apart, and
     // for no longer than this, before it gives up: the file stays unprinted
     // for the next run and the process ends with kExitRegisterSilent.
     static constexpr int kCommandLineInitializeAttempts = 5;
     static constexpr int kCommandLineInitializePauseMs = 1000;
     static constexpr qint64 kCommandLineInitializeGiveUpMs = 60000;
+    static constexpr int kExitWrongCommandLine = 1;
     static constexpr int kExitRegisterSilent = 2;
 
     Engine(Clock& clock, Operator& person, FormModel& form, EngineOptions options,
            QObject* parent = nullptr);
 
-    // The link and FPrinterWrite are built from this engine's variables, so
-    // they come in after construction.
-    void attach(DeviceLink& link, FPrinter& printer);
-    void setHooks(EngineHooks hooks);
+    // The link, FPrinterWrite and the job's parts are built from this
+    // engine's variables, so they come in after construction.
+    void attach(DeviceLink& link, FPrinter& printer, JobParts& jobParts, StartParts& startParts);
 
     ModuleVariables& moduleVariables() { return vars_; }
     ReceiptState& receiptState() { return state_; }
     clsind& progress() { return progress_; }
     FormModel& form() { return form_; }
+    // Where the parts below the job hand their result-file lines.
+    ResultSink& resultSink() { return job_; }
 
     void Form_Load();
     void timer1Tick();
@@ -67,8 +79,8 @@ public:
     void mTimerTick();
     void command1();
     void command2();
-    // The menu entry end: closes the link and ends the process.
-    void unload();
+    // The menu entry end: closes the link and ends the process with exitCode.
+    void unload(int exitCode = 0);
 
     // One job from the print file at path.
     void getdata(const QString& path, const JobSettings& settings);
@@ -76,7 +88,12 @@ public:
     TimerState timer1() const { return timer1_; }
     TimerState timer2() const { return timer2_; }
     TimerState mTimer() const { return mTimer_; }
-    int searchFailures() const { return timer2Tag_; }
+    int searchFailures() const { return search_.failures(); }
+
+    EngineState state() const { return engineState_; }
+    // A start, a tick or a job is running: the engine is not to be entered now.
+    bool busy() const { return workDepth_ > 0; }
+    bool jobInHand() const { return job_.inHand(); }
 
     bool AutoStart() const { return autoStart_; }
     int DeviceType() const { return deviceType_; }
@@ -89,32 +106,36 @@ public:
 
 signals:
     void timersChanged();
+    void stateEntered(EngineState state);
+    // The engine has left its last start, tick or job and may be entered.
+    void freed();
     // The process is to end with this code.
     void ended(int exitCode);
 
 private:
-    QString workPath(const QString& configured) const;
+    class Work;
+
     QString paramPath() const;
     void readStartSettings();
     bool readTickSettings();
     void showSettings();
     void setTimer(TimerState& timer, bool armed, int intervalMs);
     void setTimer(TimerState& timer, bool armed);
+    void enter(EngineState state);
     void end(int code);
 
     void enterLinkFailed(qint16 status, const QString& reply);
     void enterReady();
+    void enterOffLine();
     void showWaiting();
     void commandLineJob();
+    bool initializeForCommandLine();
+    void startBatchFileWhenAsked();
 
     void singleFileTick();
     void pollingTick();
-    QString findCandidate();
-    bool isReady(const QString& path);
-
-    bool writeResultLine(const QString& line);
-    void walkLines(const QStringList& lines, const JobSettings& settings);
-    void closeJob();
+    void openLinkIfClosed();
+    void closeLinkIfOpen();
     QString messageTitle() const;
 
     Clock& clock_;
@@ -123,23 +144,25 @@ private:
     EngineOptions options_;
     DeviceLink* link_ = nullptr;
     FPrinter* printer_ = nullptr;
-    EngineHooks hooks_;
+    StartParts* startParts_ = nullptr;
 
     ModuleVariables vars_;
     ReceiptState state_;
     clsind progress_;
-    FileLookMemory looks_;
+    PrintJob job_;
+    FileWatch watch_;
+    DeviceSearch search_;
 
     JobSettings settings_;
     bool parametersRead_ = false;
     bool autoStart_ = false;
     int deviceType_ = 0;
-    int timer2Tag_ = 0;
     TimerState timer1_{false, kTimer1DesignedMs};
     TimerState timer2_{false, kTimer2Ms};
     TimerState mTimer_{false, kMTimerMs};
+    EngineState engineState_ = EngineState::Starting;
+    int workDepth_ = 0;
     bool inJob_ = false;
-    bool resultWriteFailed_ = false;
     bool ended_ = false;
     int exitCode_ = 0;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pipeline/EngineHooks.h"
+#include "pipeline/DocumentFigures.h"
 
 #include <QString>
 #include <QStringList>

@@ -10,7 +10,7 @@
 #include "payments/PaymentMap.h"
 #include "pipeline/PrintFileColumns.h"
 #include "shell/ModuleVariables.h"
-#include "shell/FileProcedures.h"
+#include "shell/ResultSink.h"
 #include "shell/TextConversions.h"
 #include "tables/DepartmentLookup.h"
 #include "tables/MDocData.h"
@@ -379,8 +379,7 @@ void PrintFileInterpreter::snd(const QString& line)
     sendReceiptCommand(column(line, 7, 90));
     QString reply = ctx_.receipt.LastReply;
     reply.replace(QLatin1Char('\n'), QLatin1Char('~'));
-    mFile::AppendLine(ctx_.vars.ResultPath,
-               QStringLiteral("sndReply = %1;%2").arg(ctx_.receipt.LastStatus).arg(reply));
+    ctx_.results.appendResultLine(QStringLiteral("sndReply = %1;%2").arg(ctx_.receipt.LastStatus).arg(reply));
 }
 
 void PrintFileInterpreter::prg(const QString& line)

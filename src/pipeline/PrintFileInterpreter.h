@@ -11,6 +11,7 @@ class Clock;
 class DeviceLink;
 class FPrinter;
 class Operator;
+class ResultSink;
 struct ModuleVariables;
 struct ReceiptState;
 
@@ -29,6 +30,7 @@ struct InterpreterContext {
     Operator& op;
     Clock& clock;
     CardRoads& cards;
+    ResultSink& results;      // the job's result file
     QString workingDirectory; // where vats.dat and payeft.dat lie
     // The Z report of the menu (MKZ lines).
     std::function<void()> runDailyZ;

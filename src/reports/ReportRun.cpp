@@ -56,7 +56,7 @@ void ReportRun::tablesDetail()
 
 void ReportRun::begin(const Texts& texts)
 {
-    form_.setEnabled(QStringLiteral("Command1"), false);
+    form_.setCommand1Enabled(false);
     form_.setComstattxt(texts.running);
     if (!link_.isConnected())
         link_.OpenDeviceLink(vars_.port, receipt_.LastStatus, receipt_.LastReply, false);
@@ -69,7 +69,7 @@ void ReportRun::end(const Texts& texts)
 {
     if (link_.isConnected())
         link_.CloseDeviceLink();
-    form_.setEnabled(QStringLiteral("Command1"), true);
+    form_.setCommand1Enabled(true);
     form_.setComstattxt(texts.finished);
     form_.setCaption(texts.readyTitle);
 }

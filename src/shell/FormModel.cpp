@@ -1,58 +1,29 @@
 #include "shell/FormModel.h"
 
-void FormModel::set(QString& slot, const QString& v)
+void FormModel::update(const std::function<void(FormState&)>& change)
 {
-    if (slot == v)
+    FormState next = state_;
+    change(next);
+    if (next == state_)
         return;
-    slot = v;
-    emit changed();
+    const bool statusLine = next.comstattxt != state_.comstattxt;
+    state_ = std::move(next);
+    if (statusLine)
+        emit statusLineChanged(state_.comstattxt);
+    emit stateChanged(state_);
 }
 
 void FormModel::setComstattxt(const QString& v)
 {
-    if (comstattxt_ == v)
-        return;
-    comstattxt_ = v;
-    emit statusLineChanged(v);
-    emit changed();
+    set(&FormState::comstattxt, v);
 }
 
-void FormModel::setField(const QString& name, const QString& v)
+void FormModel::setMenuEnabled(Entry entry, bool enabled)
 {
-    if (fields_.value(name) == v && fields_.contains(name))
-        return;
-    fields_.insert(name, v);
-    emit changed();
+    update([&](FormState& s) { (s.menus.*entry).enabled = enabled; });
 }
 
-void FormModel::setEnabled(const QString& control, bool enabled)
+void FormModel::setMenuChecked(Entry entry, bool checked)
 {
-    if (isEnabled(control) == enabled)
-        return;
-    disabled_.insert(control, !enabled);
-    emit changed();
-}
-
-void FormModel::setChecked(const QString& control, bool checked)
-{
-    if (isChecked(control) == checked)
-        return;
-    checked_.insert(control, checked);
-    emit changed();
-}
-
-void FormModel::setVisible(const QString& control, bool visible)
-{
-    if (isVisible(control) == visible)
-        return;
-    hidden_.insert(control, !visible);
-    emit changed();
-}
-
-void FormModel::setFormShown(bool shown)
-{
-    if (formShown_ == shown)
-        return;
-    formShown_ = shown;
-    emit changed();
+    update([&](FormState& s) { (s.menus.*entry).checked = checked; });
 }

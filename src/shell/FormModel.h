@@ -1,63 +1,57 @@
 #pragma once
 
-#include <QHash>
+#include "shell/FormState.h"
+
 #include <QObject>
 #include <QString>
+#include <functional>
 
-// What the main form shows. The engine writes it; the window mirrors it,
-// headless prints the status line, tests read it.
+// What the main form shows, kept as one FormState. The engine writes it; each
+// change goes out whole in stateChanged, so the window can mirror it from
+// another thread; headless prints the status line, tests read it.
 class FormModel : public QObject {
     Q_OBJECT
 public:
+    using Entry = MenuEntryState MenuStates::*;
+
     using QObject::QObject;
 
-    QString caption() const { return caption_; }
-    QString comstattxt() const { return comstattxt_; }
-    QString label2() const { return label2_; }
-    QString lblreceipt() const { return lblreceipt_; }
-    QString lblProgr() const { return lblProgr_; }
-    QString trayTip() const { return trayTip_; }
+    const FormState& state() const { return state_; }
 
-    void setCaption(const QString& v) { set(caption_, v); }
+    QString caption() const { return state_.caption; }
+    QString comstattxt() const { return state_.comstattxt; }
+    QString label2() const { return state_.label2; }
+    QString lblreceipt() const { return state_.lblreceipt; }
+    QString lblProgr() const { return state_.lblProgr; }
+    QString trayTip() const { return state_.trayTip; }
+
+    void setCaption(const QString& v) { set(&FormState::caption, v); }
     void setComstattxt(const QString& v);
-    void setLabel2(const QString& v) { set(label2_, v); }
-    void setLblreceipt(const QString& v) { set(lblreceipt_, v); }
-    void setLblProgr(const QString& v) { set(lblProgr_, v); }
-    void setTrayTip(const QString& v) { set(trayTip_, v); }
+    void setLabel2(const QString& v) { set(&FormState::label2, v); }
+    void setLblreceipt(const QString& v) { set(&FormState::lblreceipt, v); }
+    void setLblProgr(const QString& v) { set(&FormState::lblProgr, v); }
+    void setTrayTip(const QString& v) { set(&FormState::trayTip, v); }
+    void setCommand1Enabled(bool v) { set(&FormState::command1Enabled, v); }
+    void setCommand2Enabled(bool v) { set(&FormState::command2Enabled, v); }
+    void setFormShown(bool v) { set(&FormState::formShown, v); }
+    void setBaudShown(bool v) { set(&FormState::baudShown, v); }
 
-    // The settings shown on the form: serialtxt, baudtxt, filetxt, ecrtxt,
-    // desctxt, commentstxt, currtxt.
-    QString field(const QString& name) const { return fields_.value(name); }
-    void setField(const QString& name, const QString& v);
+    void setMenuEnabled(Entry entry, bool enabled);
+    void setMenuChecked(Entry entry, bool checked);
 
-    // Buttons (Command1, Command2) and menu entries (help, Ver, reports,
-    // mZREp, pStart, pStop, paramEFT, Settings, ...): enabled unless told.
-    bool isEnabled(const QString& control) const { return !disabled_.value(control, false); }
-    void setEnabled(const QString& control, bool enabled);
-    bool isChecked(const QString& control) const { return checked_.value(control, false); }
-    void setChecked(const QString& control, bool checked);
-    bool isVisible(const QString& control) const { return !hidden_.value(control, false); }
-    void setVisible(const QString& control, bool visible);
-
-    bool formShown() const { return formShown_; }
-    void setFormShown(bool shown);
+    // Several fields at once, sent out as one change.
+    void update(const std::function<void(FormState&)>& change);
 
 signals:
-    void changed();
+    void stateChanged(const FormState& state);
     void statusLineChanged(const QString& text);
 
 private:
-    void set(QString& slot, const QString& v);
+    template <typename T>
+    void set(T FormState::*field, const T& v)
+    {
+        update([&](FormState& s) { s.*field = v; });
+    }
 
-    QString caption_;
-    QString comstattxt_;
-    QString label2_ = QStringLiteral("...");
-    QString lblreceipt_;
-    QString lblProgr_;
-    QString trayTip_;
-    QHash<QString, QString> fields_;
-    QHash<QString, bool> disabled_;
-    QHash<QString, bool> checked_;
-    QHash<QString, bool> hidden_;
-    bool formShown_ = true;
+    FormState state_;
 };

@@ -9,11 +9,18 @@ void say(const QString& text)
     std::fflush(stderr);
 }
 
+const QString kCancelled = QStringLiteral("Άκυρο");
+
 QString flat(QString text)
 {
     return text.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
 }
 } // namespace
+
+HeadlessOperator::HeadlessOperator(const QStringList& answers)
+    : answers_(answers.cbegin(), answers.cend())
+{
+}
 
 Operator::Answer HeadlessOperator::message(const QString& title, const QString& text, Icon,
                                            Buttons buttons)
@@ -52,17 +59,35 @@ void HeadlessOperator::closeWaitWindow()
 }
 
 std::optional<QString> HeadlessOperator::input(const QString& title, const QString& prompt,
-                                               const QString& initial)
+                                               const QString&)
 {
-    say(QStringLiteral("[%1] %2 -> %3").arg(title, flat(prompt), initial));
-    return initial;
+    const std::optional<QString> answer = nextAnswer();
+    say(QStringLiteral("[%1] %2 -> %3").arg(title, flat(prompt), answer ? *answer : kCancelled));
+    return answer;
 }
 
 std::optional<int> HeadlessOperator::choose(const QString& title, const QString& prompt,
                                             const QStringList& entries)
 {
-    if (entries.isEmpty())
+    say(QStringLiteral("[%1] %2").arg(title, flat(prompt)));
+    for (qsizetype i = 0; i < entries.size(); ++i)
+        say(QStringLiteral("  %1. %2").arg(i + 1).arg(flat(entries.at(i))));
+    const std::optional<QString> answer = nextAnswer();
+    bool number = false;
+    const int chosen = answer ? answer->trimmed().toInt(&number) : 0;
+    if (!number || chosen < 1 || chosen > entries.size()) {
+        say(QStringLiteral("-> ") + kCancelled);
         return std::nullopt;
-    say(QStringLiteral("[%1] %2 -> %3").arg(title, flat(prompt), entries.first()));
-    return 0;
+    }
+    say(QStringLiteral("-> %1. %2").arg(chosen).arg(flat(entries.at(chosen - 1))));
+    return chosen - 1;
+}
+
+std::optional<QString> HeadlessOperator::nextAnswer()
+{
+    if (answers_.empty())
+        return std::nullopt;
+    QString answer = answers_.front();
+    answers_.pop_front();
+    return answer;
 }

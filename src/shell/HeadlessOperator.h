@@ -2,9 +2,18 @@
 
 #include "shell/Operator.h"
 
-// No window: every message goes to stderr and is answered as OK.
+#include <QStringList>
+#include <deque>
+
+// No window: every message goes to stderr and is answered as OK. Input and
+// choice dialogs take the answers given on the command line, in order; with
+// none left they are cancelled.
 class HeadlessOperator final : public Operator {
 public:
+    // answers: for input() the text itself; for choose() the entry's number
+    // as the list on stderr shows it, counted from 1.
+    explicit HeadlessOperator(const QStringList& answers = {});
+
     Answer message(const QString& title, const QString& text, Icon icon, Buttons buttons) override;
     void openWaitWindow(const QString& caption, const QString& stateLine,
                         const QString& description) override;
@@ -17,5 +26,8 @@ public:
                               const QStringList& entries) override;
 
 private:
+    std::optional<QString> nextAnswer();
+
     QString lastWaitLine_;
+    std::deque<QString> answers_;
 };

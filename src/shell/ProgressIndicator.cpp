@@ -13,11 +13,15 @@ clsind::clsind(FormModel& form)
 void clsind::setValue(qint16 value)
 {
     value_ = value;
-    if (value < 1 || max_ == 0) {
-        form_.setLblProgr(QStringLiteral("-"));
-    } else {
+    QString text = QStringLiteral("-");
+    if (value >= 1 && max_ != 0) {
         const long percent = std::lround(double(value) / double(max_) * 100.0);
-        form_.setLblProgr(QStringLiteral(" Ολοκληρώθηκε το %1%").arg(percent));
+        text = QStringLiteral(" Ολοκληρώθηκε το %1%").arg(percent);
     }
+    form_.update([&](FormState& s) {
+        s.progressValue = value;
+        s.progressMax = max_;
+        s.lblProgr = text;
+    });
     QCoreApplication::processEvents();
 }

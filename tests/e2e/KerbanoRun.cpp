@@ -5,13 +5,18 @@
 
 KerbanoRun runKerbanoHeadless(const QString& workDir, const QString& commandLine, int timeoutMs)
 {
+    return runKerbanoHeadless(workDir, QStringList{commandLine}, timeoutMs);
+}
+
+KerbanoRun runKerbanoHeadless(const QString& workDir, const QStringList& arguments, int timeoutMs)
+{
     QProcess process;
     process.setWorkingDirectory(workDir);
     // Its own home too, so that runs side by side share no log or order store.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), {QStringLiteral("--headless"), commandLine});
+    process.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), QStringList{QStringLiteral("--headless")} + arguments);
     KerbanoRun run;
     run.finished = process.waitForFinished(timeoutMs);
     if (!run.finished) {

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 // One command-line life of kerbano --headless, as an application would start it.
 struct KerbanoRun {
@@ -12,3 +13,6 @@ struct KerbanoRun {
 };
 
 KerbanoRun runKerbanoHeadless(const QString& workDir, const QString& commandLine, int timeoutMs);
+
+// kerbano --headless with the given arguments behind it.
+KerbanoRun runKerbanoHeadless(const QString& workDir, const QStringList& arguments, int timeoutMs);

@@ -47,7 +47,7 @@ TEST_F(EngineTest, CommandLineWithSixFlagsEndsAtOnceWithoutAWord)
 TEST_F(EngineTest, CommandLinePrintsItsOneFileDeletesItAndEnds)
 {
     QString batch;
-    hooks.startBatchFile = [&](const QString& path) { batch = path; };
+    parts.startBatchFile_ = [&](const QString& path) { batch = path; };
     put(QStringLiteral("print.txt"), "tag:  cl\r\n PLU x\r\n");
     start(QStringLiteral("com1,9600,in\\print.txt,0,TECFP,1111111`"));
     EXPECT_TRUE(engine->hasEnded());
@@ -66,7 +66,7 @@ TEST_F(EngineTest, CommandLineGivesUpOnASilentRegisterAndKeepsTheFileUnprinted)
     link.openStatus = -1;
     link.openReply = QStringLiteral("Πρόβλημα στην Θύρα :com1");
     put(QStringLiteral("print.txt"), "tag:  silent\r\n");
-    hooks.readDeviceVatRates = [] { ADD_FAILURE() << "no VAT rates from a closed link"; };
+    parts.readDeviceVatRates_ = [] { ADD_FAILURE() << "no VAT rates from a closed link"; };
     initializeStatusAtStart = -4;
     start(QStringLiteral("com1,9600,in/print.txt,0,TECFP,0000000"));
     EXPECT_EQ(printer->ops.size(), Engine::kCommandLineInitializeAttempts);

@@ -5,6 +5,8 @@
 #include "config/ParamFileWriter.h"
 #include "operations/FPrinter.h"
 #include "pipeline/Engine.h"
+#include "pipeline/JobParts.h"
+#include "pipeline/StartParts.h"
 #include "shell/Clock.h"
 #include "shell/CodePage.h"
 #include "shell/FormModel.h"
@@ -43,6 +45,34 @@ private:
     ReceiptState& state_;
 };
 
+// The parts of a job, each a replaceable step with harmless defaults, so that
+// the job's frame runs on its own.
+class ScriptedJobParts final : public JobParts, public StartParts {
+public:
+    using InterpretLines = std::function<void(const QStringList&, const JobSettings&, const LineReached&)>;
+
+    InterpretLines interpretLines_ = [](const QStringList& lines, const JobSettings&, const LineReached& reached) {
+        for (qsizetype i = 0; i < lines.size(); ++i)
+            reached(i);
+    };
+    std::function<QStringList()> cardPaymentLines_ = [] { return QStringList(); };
+    std::function<DocumentFigures()> documentFigures_ = [] { return DocumentFigures(); };
+    std::function<bool()> isOperatorBusy_ = [] { return false; };
+    std::function<void()> readDeviceVatRates_ = [] {};
+    std::function<void(const QString&)> startBatchFile_ = [](const QString&) {};
+
+    void interpretLines(const QStringList& lines, const JobSettings& settings, const LineReached& reached) override
+    {
+        interpretLines_(lines, settings, reached);
+    }
+    void finishCardPayment() override {}
+    QStringList cardPaymentLines() override { return cardPaymentLines_(); }
+    DocumentFigures documentFigures() override { return documentFigures_(); }
+    bool isOperatorBusy() override { return isOperatorBusy_(); }
+    void readDeviceVatRates() override { readDeviceVatRates_(); }
+    void startBatchFile(const QString& path) override { startBatchFile_(path); }
+};
+
 // An engine over a temporary working directory; print files go to "in/".
 class EngineTest : public ::testing::Test {
 protected:
@@ -54,11 +84,11 @@ protected:
     std::unique_ptr<Engine> engine;
     std::unique_ptr<ScriptedPrinter> printer;
     QStringList walked;
-    EngineHooks hooks;
+    ScriptedJobParts parts;
     qint16 initializeStatusAtStart = 0; // what "initialize" answers from the start on
 
     // A walk that hands each line to perLine; false from it ends the walk.
-    static EngineHooks::InterpretLines walkEach(std::function<bool(const QString&, const JobSettings&)> perLine)
+    static ScriptedJobParts::InterpretLines walkEach(std::function<bool(const QString&, const JobSettings&)> perLine)
     {
         return [perLine](const QStringList& lines, const JobSettings& settings,
                          const std::function<void(qsizetype)>& lineReached) {
@@ -73,7 +103,7 @@ protected:
     void SetUp() override
     {
         QDir(dir.path()).mkpath(QStringLiteral("in"));
-        hooks.interpretLines = walkEach([this](const QString& line, const JobSettings&) {
+        parts.interpretLines_ = walkEach([this](const QString& line, const JobSettings&) {
             walked << line;
             return true;
         });
@@ -94,13 +124,18 @@ protected:
         ASSERT_TRUE(writeParamFile(dir.filePath(QStringLiteral("param.ini")), f, QDate(2026, 1, 2)));
     }
 
-    void start(const QString& commandLine = QString())
+    // An engine put together but not started.
+    void build(const QString& commandLine = QString(), bool honourAutoStart = true)
     {
-        engine = std::make_unique<Engine>(clock, person, form, EngineOptions{dir.path(), commandLine});
+        engine = std::make_unique<Engine>(clock, person, form,
+                                          EngineOptions{dir.path(), commandLine, honourAutoStart});
         printer = std::make_unique<ScriptedPrinter>(engine->receiptState());
         printer->statusAfterScript = initializeStatusAtStart;
-        engine->attach(link, *printer);
-        engine->setHooks(hooks);
+        engine->attach(link, *printer, parts, parts);
+    }
+    void start(const QString& commandLine = QString())
+    {
+        build(commandLine);
         engine->Form_Load();
     }
     // Started, device found, polling.

@@ -7,15 +7,14 @@ TEST_F(EngineTest, AFileAppearingIsPrintedDeletedAndReportedInItsResultFile)
     startPolling(pollingParams());
     bool timer1ArmedDuringJob = true;
     bool ignoreBusyDuringJob = false;
-    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings& settings) {
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings& settings) {
         walked << line;
         timer1ArmedDuringJob = engine->timer1().armed;
         ignoreBusyDuringJob = engine->moduleVariables().IgnoreOperatorBusy;
         EXPECT_EQ(settings.printDesc, QStringLiteral("true"));
         return true;
     });
-    hooks.isOperatorBusy = [] { return false; };
-    engine->setHooks(hooks);
+    parts.isOperatorBusy_ = [] { return false; };
     QStringList statusLines;
     QObject::connect(&form, &FormModel::statusLineChanged, [&](const QString& s) { statusLines << s; });
 
@@ -117,16 +116,16 @@ TEST_F(EngineTest, SingleFileWayWaitsForItsFilePrintsItAndEnds)
 
 TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
 {
-    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings&) {
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
         walked << line;
         engine->receiptState().TableMode = 1;
         engine->receiptState().setCurrentTable(5);
         engine->receiptState().PaymentDone = true;
         return !line.startsWith(QLatin1String(" exit"));
     });
-    hooks.cardPaymentLines = [] { return QStringList{"ccPay0 = a;b;c;d;e;f;g;h"}; };
-    hooks.closeJob = [] { return DocumentFigures{6.5, 1287, 42, -1}; };
-    hooks.isOperatorBusy = [] { return true; };
+    parts.cardPaymentLines_ = [] { return QStringList{"ccPay0 = a;b;c;d;e;f;g;h"}; };
+    parts.documentFigures_ = [] { return DocumentFigures{6.5, 1287, 42, -1}; };
+    parts.isOperatorBusy_ = [] { return true; };
     startPolling(pollingParams());
     put(QStringLiteral("print.1"), " PLU x\r\n exit\r\n PLU never\r\n");
     engine->timer1Tick();
@@ -145,7 +144,7 @@ TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
 
 TEST_F(EngineTest, BadInputStillGetsItsClosingLinesAndPollingGoesOn)
 {
-    hooks.interpretLines = walkEach([&](const QString& line, const JobSettings&) -> bool {
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) -> bool {
         if (line.contains(QLatin1String("boom")))
             throw std::runtime_error("interpreter fault");
         walked << line;
@@ -180,4 +179,22 @@ TEST_F(EngineTest, ParamFileGoneAtATickIsShownAndPollingResumesWhenItIsBack)
     engine->timer1Tick();
     EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.1"))));
     EXPECT_EQ(form.comstattxt(), QStringLiteral("Αναμονη Για Στοιχεια...."));
+}
+
+TEST_F(EngineTest, ThePrintJobIsTheResultFilesOneWriterAndOnlyWhileItRuns)
+{
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
+        if (line == QLatin1String(" SND x"))
+            engine->resultSink().appendResultLine(QStringLiteral("Err = 44, [x] DateTime = now"));
+        return true;
+    });
+    startPolling(pollingParams());
+    engine->resultSink().appendResultLine(QStringLiteral("before any job"));
+    put(QStringLiteral("print.1"), "tag:  sink\r\n SND x\r\n");
+    engine->timer1Tick();
+    engine->resultSink().appendResultLine(QStringLiteral("after the job"));
+    EXPECT_EQ(resultLines().mid(0, 3),
+              (QStringList{"tag = sink", "DateTime start = 02/01/2026 10:20:30", "Err = 44, [x] DateTime = now"}));
+    EXPECT_EQ(resultLines().last(), QStringLiteral("exitcode = 0"));
+    EXPECT_EQ(resultLines().size(), 7);
 }

@@ -3,7 +3,7 @@
 TEST_F(EngineTest, StartOpensTheLinkReadsVatRatesAndSearches)
 {
     int vatReads = 0;
-    hooks.readDeviceVatRates = [&] { ++vatReads; };
+    parts.readDeviceVatRates_ = [&] { ++vatReads; };
     writeParams(pollingParams());
     start();
     EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναζήτηση"));
@@ -14,10 +14,10 @@ TEST_F(EngineTest, StartOpensTheLinkReadsVatRatesAndSearches)
     EXPECT_EQ(engine->timer2().intervalMs, 1000);
     EXPECT_TRUE(engine->mTimer().armed);
     EXPECT_FALSE(engine->timer1().armed);
-    EXPECT_FALSE(form.isEnabled(QStringLiteral("Command1")));
-    EXPECT_FALSE(form.isEnabled(QStringLiteral("Command2")));
-    EXPECT_EQ(form.field(QStringLiteral("filetxt")), QStringLiteral("print @Path : in\\"));
-    EXPECT_EQ(form.field(QStringLiteral("desctxt")), QStringLiteral("Να Εκτυπωνεται"));
+    EXPECT_FALSE(form.state().command1Enabled);
+    EXPECT_FALSE(form.state().command2Enabled);
+    EXPECT_EQ(form.state().filetxt, QStringLiteral("print @Path : in\\"));
+    EXPECT_EQ(form.state().desctxt, QStringLiteral("Να Εκτυπωνεται"));
     EXPECT_EQ(engine->DeviceType(), 1);
 }
 
@@ -31,8 +31,13 @@ TEST_F(EngineTest, FailedLinkAtStartLeavesEveryTimerOffAndTheMenusClosed)
     EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναζήτηση"));
     EXPECT_FALSE(engine->timer1().armed || engine->timer2().armed || engine->mTimer().armed);
     EXPECT_EQ(engine->timer2().intervalMs, 1000);
-    for (const char* entry : {"help", "Ver", "reports", "mZREp", "pStart", "pStop", "paramEFT", "Command1"})
-        EXPECT_FALSE(form.isEnabled(QString::fromLatin1(entry))) << entry;
+    const std::pair<const char*, FormModel::Entry> closed[] = {
+        {"help", &MenuStates::help},     {"Ver", &MenuStates::Ver},     {"reports", &MenuStates::reports},
+        {"mZREp", &MenuStates::mZREp},   {"pStart", &MenuStates::pStart}, {"pStop", &MenuStates::pStop},
+        {"paramEFT", &MenuStates::paramEFT}};
+    for (const auto& [name, entry] : closed)
+        EXPECT_FALSE((form.state().menus.*entry).enabled) << name;
+    EXPECT_FALSE(form.state().command1Enabled);
 }
 
 TEST_F(EngineTest, ThreeFailedSearchesLeaveTheDeviceOffLineForGood)
@@ -50,7 +55,7 @@ TEST_F(EngineTest, ThreeFailedSearchesLeaveTheDeviceOffLineForGood)
     EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Λάθος!"));
     EXPECT_EQ(printer->ops.size(), 3); // no more questions to the register
     EXPECT_TRUE(engine->timer2().armed);
-    EXPECT_FALSE(form.isEnabled(QStringLiteral("Command1")));
+    EXPECT_FALSE(form.state().command1Enabled);
 }
 
 TEST_F(EngineTest, DeviceAnsweringMakesTheProgramReadyAndAutoStartPolls)
@@ -64,16 +69,16 @@ TEST_F(EngineTest, DeviceAnsweringMakesTheProgramReadyAndAutoStartPolls)
     printer->initializeStatuses = {-4, 0};
     engine->timer2Tick();
     EXPECT_EQ(engine->searchFailures(), 1);
-    EXPECT_TRUE(form.formShown());
+    EXPECT_TRUE(form.state().formShown);
     engine->timer2Tick();
     EXPECT_EQ(link.opens, 2);
-    EXPECT_TRUE(form.isVisible(QStringLiteral("baudtxt")));
+    EXPECT_TRUE(form.state().baudShown);
     EXPECT_FALSE(engine->timer2().armed);
-    EXPECT_FALSE(form.isEnabled(QStringLiteral("reports"))); // AutoStart went on to polling
+    EXPECT_FALSE(form.state().menus.reports.enabled); // AutoStart went on to polling
     EXPECT_EQ(form.comstattxt(), QStringLiteral("Αναμονη Για Στοιχεια...."));
     EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναμονη"));
     EXPECT_TRUE(engine->timer1().armed);
-    EXPECT_FALSE(form.formShown());
+    EXPECT_FALSE(form.state().formShown);
 }
 
 TEST_F(EngineTest, ButtonsAlternatePollingAndStoppedWithTheirCheckMarks)
@@ -81,30 +86,44 @@ TEST_F(EngineTest, ButtonsAlternatePollingAndStoppedWithTheirCheckMarks)
     writeParams(pollingParams());
     start();
     engine->mTimerTick();
-    EXPECT_FALSE(form.isChecked(QStringLiteral("pStart")) || form.isChecked(QStringLiteral("pStop")));
+    EXPECT_FALSE(form.state().menus.pStart.checked || form.state().menus.pStop.checked);
 
     engine->timer2Tick();
     EXPECT_EQ(form.comstattxt(), QStringLiteral("Φορολογικός Εκτυπωτής ON-Line, Έτοιμος Για Εκτυπωσεις"));
     EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Έτοιμο"));
-    EXPECT_TRUE(form.isEnabled(QStringLiteral("Command1")));
-    EXPECT_TRUE(form.isEnabled(QStringLiteral("reports")));
+    EXPECT_TRUE(form.state().command1Enabled);
+    EXPECT_TRUE(form.state().menus.reports.enabled);
 
     engine->command1();
     EXPECT_TRUE(engine->timer1().armed);
     EXPECT_EQ(engine->timer1().intervalMs, 3000);
-    EXPECT_FALSE(form.isEnabled(QStringLiteral("Command1")));
-    EXPECT_TRUE(form.isEnabled(QStringLiteral("Command2")));
-    EXPECT_FALSE(form.isEnabled(QStringLiteral("Settings")));
+    EXPECT_FALSE(form.state().command1Enabled);
+    EXPECT_TRUE(form.state().command2Enabled);
+    EXPECT_FALSE(form.state().menus.Settings.enabled);
     engine->mTimerTick();
-    EXPECT_TRUE(form.isChecked(QStringLiteral("pStart")));
-    EXPECT_FALSE(form.isChecked(QStringLiteral("pStop")));
+    EXPECT_TRUE(form.state().menus.pStart.checked);
+    EXPECT_FALSE(form.state().menus.pStop.checked);
 
     engine->command2();
     EXPECT_FALSE(engine->timer1().armed);
     EXPECT_EQ(form.comstattxt(), QStringLiteral("Διακοπη Εκτυπωσεων. Πατηστε Εναρξη Εκτυπωσεων!!! "));
     EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Διακοπηκε"));
-    EXPECT_TRUE(form.isEnabled(QStringLiteral("reports")) && form.isEnabled(QStringLiteral("Settings")));
+    EXPECT_TRUE(form.state().menus.reports.enabled && form.state().menus.Settings.enabled);
     engine->mTimerTick();
-    EXPECT_FALSE(form.isChecked(QStringLiteral("pStart")));
-    EXPECT_TRUE(form.isChecked(QStringLiteral("pStop")));
+    EXPECT_FALSE(form.state().menus.pStart.checked);
+    EXPECT_TRUE(form.state().menus.pStop.checked);
+}
+
+TEST_F(EngineTest, TheTrayTipFollowsTheCaptionAtEachUpkeepCutToSixtyThreeCharacters)
+{
+    writeParams(pollingParams());
+    start();
+    engine->timer2Tick();
+    EXPECT_TRUE(form.trayTip().isEmpty()); // only the upkeep moves it
+    engine->mTimerTick();
+    EXPECT_EQ(form.trayTip(), QStringLiteral("Kerbano- Έτοιμο"));
+
+    form.setCaption(QString(70, QLatin1Char('K')));
+    engine->mTimerTick();
+    EXPECT_EQ(form.trayTip(), QString(63, QLatin1Char('K')));
 }

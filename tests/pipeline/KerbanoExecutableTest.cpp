@@ -89,3 +89,23 @@ TEST(KerbanoExecutable, CommandLineWithNoRegisterEndsNonZeroAndKeepsTheFile)
     EXPECT_FALSE(QFile::exists(dir.filePath(QStringLiteral("jobs/res.txt"))));
     EXPECT_FALSE(QFile::exists(dir.filePath(QStringLiteral("Result"))));
 }
+
+TEST(KerbanoExecutable, RunArgumentsThatNameNoActionEndAtOnceWithStatusOne)
+{
+    QTemporaryDir dir;
+    const ProcessRun unknown = runKerbano(dir.path(), {QStringLiteral("--headless"), QStringLiteral("--run"),
+                                                       QStringLiteral("nosuch")});
+    EXPECT_EQ(unknown.exitCode, 1);
+    EXPECT_TRUE(unknown.err.contains(QStringLiteral("Άγνωστη λειτουργία : nosuch"))) << unknown.err.toStdString();
+    EXPECT_TRUE(unknown.out.isEmpty()) << unknown.out.toStdString();
+
+    const ProcessRun withCommandLine = runKerbano(
+        dir.path(), {QStringLiteral("--headless"), QStringLiteral("--run"), QStringLiteral("Ver"),
+                     QStringLiteral("com1,9600,p.txt,0,TECFP,1111111")});
+    EXPECT_EQ(withCommandLine.exitCode, 1);
+    EXPECT_FALSE(withCommandLine.err.isEmpty());
+
+    const ProcessRun noName = runKerbano(dir.path(), {QStringLiteral("--headless"), QStringLiteral("--run")});
+    EXPECT_EQ(noName.exitCode, 1);
+    EXPECT_FALSE(noName.err.isEmpty());
+}

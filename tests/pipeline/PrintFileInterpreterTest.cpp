@@ -10,7 +10,9 @@
 #include "shell/CodePage.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
+#include "shell/FileProcedures.h"
 #include "shell/ProgressIndicator.h"
+#include "shell/ResultSink.h"
 
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
@@ -62,10 +64,16 @@ protected:
     JobSettings settings = receiptSettings();
     bool zRun = false;
     UnavailableCardRoads cards{link};
+    // The job's writer as the interpreter sees it: lines to the result file.
+    struct : ResultSink {
+        ModuleVariables* vars = nullptr;
+        void appendResultLine(const QString& line) override { mFile::AppendLine(vars->ResultPath, line); }
+    } results;
 
     void SetUp() override
     {
         vars.ResultPath = dir.filePath(QStringLiteral("result.txt"));
+        results.vars = &vars;
         vars.JobTag = QStringLiteral("00417");
         WriteVatsFile(dir.filePath(QStringLiteral("vats.dat")), {24.0, 13.0, 6.0, 17.0, 9.0});
     }
@@ -75,7 +83,7 @@ protected:
         FPrinterOperations printer(link, receipt, vars, person, form, progress,
                                    dir.filePath(QStringLiteral("payeft.dat")));
         printer.setCardRoads(cards);
-        InterpreterContext context{receipt, vars, printer, link, person, clock, cards, dir.path(),
+        InterpreterContext context{receipt, vars, printer, link, person, clock, cards, results, dir.path(),
                                    [this] { zRun = true; }};
         PrintFileInterpreter interpreter(std::move(context), settings);
         interpreter.run(lines);

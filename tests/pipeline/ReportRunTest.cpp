@@ -37,7 +37,7 @@ TEST_F(ReportRunTest, AReportOpensTheLinkLeavesTheReadyTextOnTheDisplayAndCloses
     EXPECT_TRUE(link.sent[1].quiet && link.sent[2].quiet);
     EXPECT_EQ(link.opens, 1);
     EXPECT_FALSE(link.connected);
-    EXPECT_TRUE(form.isEnabled("Command1"));
+    EXPECT_TRUE(form.state().command1Enabled);
     EXPECT_EQ(form.comstattxt(), "Το Ισοζυγειο ολοκληρωθηκε");
     EXPECT_EQ(form.caption(), "Kerbano- Ετοιμο");
 

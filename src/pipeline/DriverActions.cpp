@@ -1,0 +1,31 @@
+#include "pipeline/Driver.h"
+
+#include "shell/FormModel.h"
+
+// The menu entries whose actions are built; the rest report that they are not.
+void Driver::wireMenuActions()
+{
+    actions_.setHandler(QStringLiteral("xrep0"), [this] { reports_.financialX(); });
+    actions_.setHandler(QStringLiteral("xrep5"), [this] { reports_.statisticsX(); });
+    actions_.setHandler(QStringLiteral("zrep021"), [this] { reports_.dailyZ(); });
+    // The period Z has no action, in the menu as from the command line.
+    actions_.setHandler(QStringLiteral("zrep521"), [] {});
+    actions_.setHandler(QStringLiteral("xrep_table_summary"), [this] { reports_.tablesSummary(); });
+    actions_.setHandler(QStringLiteral("xrep_table_detail"), [this] { reports_.tablesDetail(); });
+    actions_.setHandler(QStringLiteral("mZREp"), [this] {
+        engine_.command2();
+        reports_.dailyZ();
+    });
+    actions_.setHandler(QStringLiteral("pStart"), [this] {
+        if (form_.state().command1Enabled)
+            engine_.command1();
+    });
+    actions_.setHandler(QStringLiteral("pStop"), [this] {
+        if (form_.state().command2Enabled)
+            engine_.command2();
+    });
+    actions_.setHandler(QStringLiteral("Ver"), [this] { link_.Ver(); });
+    actions_.setHandler(QStringLiteral("end"), [this] { engine_.unload(); });
+    actions_.setHandler(QStringLiteral("fShow"), [this] { form_.setFormShown(true); });
+    actions_.setHandler(QStringLiteral("fHide"), [this] { form_.setFormShown(false); });
+}

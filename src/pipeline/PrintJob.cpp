@@ -1,0 +1,138 @@
+#include "pipeline/PrintJob.h"
+
+#include "config/RegionalNumber.h"
+#include "operations/ReceiptState.h"
+#include "pipeline/JobParts.h"
+#include "shell/Clock.h"
+#include "shell/FileProcedures.h"
+#include "shell/FormModel.h"
+#include "shell/ModuleVariables.h"
+#include "shell/Operator.h"
+#include "shell/Paths.h"
+#include "shell/ProgressIndicator.h"
+
+#include <QScopeGuard>
+#include <exception>
+
+namespace {
+const QString kTitleBeforeDevice = QStringLiteral("Μύνημα Kerbano");
+constexpr int kAmountDecimals = 2;
+} // namespace
+
+PrintJob::PrintJob(Clock& clock, Operator& person, FormModel& form, ModuleVariables& vars,
+                   ReceiptState& receipt, clsind& progress, QString workingDirectory)
+    : clock_(clock)
+    , person_(person)
+    , form_(form)
+    , vars_(vars)
+    , receipt_(receipt)
+    , progress_(progress)
+    , workingDirectory_(std::move(workingDirectory))
+{
+}
+
+void PrintJob::run(const QString& path, const JobSettings& settings)
+{
+    Q_ASSERT(parts_);
+    const QString text = mFile::ReadWholeFile(path);
+    open(text);
+    const auto done = qScopeGuard([this] { inHand_ = false; });
+    // Only CR LF ends a line; a lone CR or LF belongs to the line it stands in.
+    const QStringList lines = text.split(QStringLiteral("\r\n"));
+    progress_.setMax(static_cast<qint16>(qMin<qsizetype>(lines.size(), kMaxProgress)));
+
+    appendResultLine(QStringLiteral("tag = ") + vars_.JobTag);
+    appendResultLine(QStringLiteral("DateTime start = ") + clock_.stamp());
+    vars_.IgnoreOperatorBusy = true;
+
+    walkLines(lines, settings);
+    close();
+}
+
+void PrintJob::open(const QString& text)
+{
+    vars_.ResultPath = ResolveAgainst(workingDirectory_, mFile::ReadResultPathLine(text));
+    vars_.JobTag = mFile::ReadTagLine(text);
+    inHand_ = true;
+    writeFailed_ = false;
+}
+
+void PrintJob::walkLines(const QStringList& lines, const JobSettings& settings)
+{
+    const auto lineReached = [this](qsizetype i) {
+        progress_.setValue(static_cast<qint16>(qMin<qsizetype>(i + 1, kMaxProgress)));
+    };
+    // A fault inside the walk ends it; the closing lines are written all the same.
+    try {
+        parts_->interpretLines(lines, settings, lineReached);
+    } catch (const std::exception& fault) {
+        person_.message(messageTitle(), QStringLiteral("Λάθος : ") + QString::fromLocal8Bit(fault.what()),
+                        Operator::Icon::Critical);
+    } catch (...) {
+        person_.message(messageTitle(), QStringLiteral("Λάθος : ") + vars_.JobTag,
+                        Operator::Icon::Critical);
+    }
+}
+
+// Behind the last line. Whatever went before, the result file reaches its
+// exitcode line.
+void PrintJob::close()
+{
+    QStringList cardLines;
+    DocumentFigures figures;
+    try {
+        parts_->finishCardPayment();
+        clock_.sleepMs(kDocumentSettleMs);
+        cardLines = parts_->cardPaymentLines();
+    } catch (...) {
+        cardLines.clear();
+    }
+    for (const QString& line : cardLines)
+        appendResultLine(line);
+    appendResultLine(QStringLiteral("DateTime end = ") + clock_.stamp());
+
+    try {
+        figures = parts_->documentFigures();
+    } catch (...) {
+        figures = DocumentFigures();
+    }
+    const int recStatus = figures.amount != 0.0 ? 1 : 0;
+    receipt_.TableMode = 0;
+    receipt_.setCurrentTable(-1);
+    appendResultLine(QStringLiteral("recStatus = %1;%2")
+                         .arg(recStatus)
+                         .arg(FormatDeviceNumber(figures.amount, kAmountDecimals)));
+    appendResultLine(QStringLiteral("receipt = %1, %2, %3")
+                         .arg(figures.recNumberProgr)
+                         .arg(figures.recNumberDaily)
+                         .arg(figures.ordNumber));
+    appendResultLine(QStringLiteral("exitcode = 0"));
+    form_.setLblreceipt(QString::number(figures.recNumberDaily));
+
+    try {
+        vars_.IgnoreOperatorBusy = parts_->isOperatorBusy();
+    } catch (...) {
+    }
+    receipt_.PaymentDone = false;
+    receipt_.CommentAfterTotal = false;
+    inHand_ = false;
+
+    if (writeFailed_) {
+        person_.message(messageTitle(),
+                        QStringLiteral("Δεν ήταν δυνατή η εγγραφή στο αρχείο αποτελεσμάτων : ") + vars_.ResultPath,
+                        Operator::Icon::Warning);
+    }
+}
+
+void PrintJob::appendResultLine(const QString& line)
+{
+    if (!inHand_)
+        return;
+    if (!mFile::AppendLine(vars_.ResultPath, line))
+        writeFailed_ = true;
+}
+
+QString PrintJob::messageTitle() const
+{
+    return vars_.DeviceLabel.isEmpty() ? kTitleBeforeDevice : vars_.DeviceLabel;
+}

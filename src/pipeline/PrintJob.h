@@ -1,0 +1,54 @@
+#pragma once
+
+#include "config/JobSettings.h"
+#include "shell/ResultSink.h"
+
+#include <QString>
+#include <QStringList>
+
+class Clock;
+class FormModel;
+class JobParts;
+class Operator;
+class clsind;
+struct ModuleVariables;
+struct ReceiptState;
+
+// getdata's frame around one print file: reads it, takes resFile: and tag:
+// from it, opens the result file with its first lines, walks the lines and
+// closes the result file with the document's figures and "exitcode = 0".
+// It is the one writer of the result file: whatever a job adds to it comes
+// here, and a line with no job in hand is dropped.
+class PrintJob final : public ResultSink {
+public:
+    static constexpr int kDocumentSettleMs = 500;
+    static constexpr int kMaxProgress = 32767;
+
+    PrintJob(Clock& clock, Operator& person, FormModel& form, ModuleVariables& vars,
+             ReceiptState& receipt, clsind& progress, QString workingDirectory);
+
+    void attach(JobParts& parts) { parts_ = &parts; }
+
+    // One job from the print file at path.
+    void run(const QString& path, const JobSettings& settings);
+    bool inHand() const { return inHand_; }
+
+    void appendResultLine(const QString& line) override;
+
+private:
+    void open(const QString& text);
+    void walkLines(const QStringList& lines, const JobSettings& settings);
+    void close();
+    QString messageTitle() const;
+
+    Clock& clock_;
+    Operator& person_;
+    FormModel& form_;
+    ModuleVariables& vars_;
+    ReceiptState& receipt_;
+    clsind& progress_;
+    QString workingDirectory_;
+    JobParts* parts_ = nullptr;
+    bool inHand_ = false;
+    bool writeFailed_ = false;
+};

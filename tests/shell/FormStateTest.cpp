@@ -1,0 +1,75 @@
+#include "shell/FormModel.h"
+
+#include "PrintQString.h"
+
+#include <QThread>
+#include <atomic>
+#include <future>
+#include <gtest/gtest.h>
+
+TEST(FormModel, EveryChangeGoesOutWholeOnceAndNoChangeNotAtAll)
+{
+    FormModel form;
+    QList<FormState> sent;
+    QStringList statusLines;
+    QObject::connect(&form, &FormModel::stateChanged, [&](const FormState& s) { sent << s; });
+    QObject::connect(&form, &FormModel::statusLineChanged, [&](const QString& s) { statusLines << s; });
+
+    form.setCaption(QStringLiteral("Kerbano- Έτοιμο"));
+    form.update([](FormState& s) {
+        s.comstattxt = QStringLiteral("Αναμονη Για Στοιχεια....");
+        s.command1Enabled = false;
+        s.menus.reports.enabled = false;
+    });
+    form.setCaption(QStringLiteral("Kerbano- Έτοιμο"));
+    form.setMenuEnabled(&MenuStates::reports, false);
+    form.setMenuChecked(&MenuStates::pStop, true);
+
+    ASSERT_EQ(sent.size(), 3);
+    EXPECT_EQ(sent[0].caption, QStringLiteral("Kerbano- Έτοιμο"));
+    EXPECT_TRUE(sent[0].comstattxt.isEmpty());
+    EXPECT_EQ(sent[0].label2, QStringLiteral("..."));
+    EXPECT_EQ(sent[1].caption, QStringLiteral("Kerbano- Έτοιμο")); // the whole form, not the change
+    EXPECT_FALSE(sent[1].command1Enabled);
+    EXPECT_FALSE(sent[1].menus.reports.enabled);
+    EXPECT_TRUE(sent[1].menus.Ver.enabled);
+    EXPECT_TRUE(sent[2].menus.pStop.checked);
+    EXPECT_EQ(sent.last(), form.state());
+    EXPECT_EQ(statusLines, QStringList{"Αναμονη Για Στοιχεια...."});
+}
+
+TEST(FormModel, TheStateCrossesToAnotherThreadAsACopy)
+{
+    FormModel form;
+    QThread gui;
+    QObject mirror;
+    mirror.moveToThread(&gui);
+    gui.start();
+
+    std::promise<std::pair<FormState, bool>> received;
+    std::atomic<bool> first{true};
+    QObject::connect(
+        &form, &FormModel::stateChanged, &mirror,
+        [&](const FormState& s) {
+            if (first.exchange(false))
+                received.set_value({s, QThread::currentThread() == &gui});
+        },
+        Qt::QueuedConnection);
+    form.update([](FormState& s) {
+        s.caption = QStringLiteral("Εκτύπωση Ενεργή ");
+        s.lblProgr = QStringLiteral(" Ολοκληρώθηκε το 50%");
+        s.menus.mZREp.enabled = false;
+    });
+    form.setCaption(QStringLiteral("changed after sending")); // the copy in flight stays as sent
+
+    std::future<std::pair<FormState, bool>> arrival = received.get_future();
+    const bool arrived = arrival.wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+    gui.quit();
+    gui.wait();
+    ASSERT_TRUE(arrived);
+    const auto [state, onGuiThread] = arrival.get();
+    EXPECT_TRUE(onGuiThread);
+    EXPECT_EQ(state.caption, QStringLiteral("Εκτύπωση Ενεργή "));
+    EXPECT_EQ(state.lblProgr, QStringLiteral(" Ολοκληρώθηκε το 50%"));
+    EXPECT_FALSE(state.menus.mZREp.enabled);
+}
