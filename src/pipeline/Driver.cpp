@@ -25,7 +25,9 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     , engine_(clock, person, form,
               EngineOptions{orCurrent(options_.workingDirectory), options_.commandLine})
     , log_(orCurrent(options_.programDirectory), engine_.moduleVariables())
-    , link_(engine_.moduleVariables(), clock, person, form, transports, log_)
+    , results_(engine_.moduleVariables())
+    , port_(engine_.moduleVariables(), clock, person, transports, log_)
+    , link_(port_, engine_.moduleVariables(), clock, person, form, results_, log_)
     , cards_(link_)
     , printer_(link_, engine_.receiptState(), engine_.moduleVariables(), person, form,
                engine_.progress(), workFile(kPayEftFile))

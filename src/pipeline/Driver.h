@@ -1,9 +1,11 @@
 #pragma once
 
-#include "link/PortLink.h"
+#include "link/DevicePort.h"
+#include "link/DeviceSession.h"
 #include "operations/FPrinterOperations.h"
 #include "payments/UnavailableCardRoads.h"
 #include "pipeline/Engine.h"
+#include "pipeline/ResultPathSink.h"
 #include "reports/ReportRun.h"
 #include "shell/CommunicationLog.h"
 
@@ -30,7 +32,7 @@ public:
     Q_DISABLE_COPY_MOVE(Driver)
 
     Engine& engine() { return engine_; }
-    PortLink& link() { return link_; }
+    DeviceSession& link() { return link_; }
     FPrinterOperations& printer() { return printer_; }
     ReportRun& reports() { return reports_; }
     CommunicationLog& log() { return log_; }
@@ -44,7 +46,9 @@ private:
     DriverOptions options_;
     Engine engine_;
     CommunicationLog log_;
-    PortLink link_;
+    ResultPathSink results_;
+    DevicePort port_;
+    DeviceSession link_;
     UnavailableCardRoads cards_;
     FPrinterOperations printer_;
     ReportRun reports_;

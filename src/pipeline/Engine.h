@@ -1,7 +1,7 @@
 #pragma once
 
 #include "config/JobSettings.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "pipeline/EngineHooks.h"
 #include "shell/FileProcedures.h"
 #include "shell/ModuleVariables.h"

@@ -1,6 +1,6 @@
 #include "config/VatFile.h"
 #include "operations/FPrinterOperations.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "payments/PaymentMap.h"
 #include "payments/UnavailableCardRoads.h"
 #include "pipeline/JobClosing.h"
@@ -321,10 +321,21 @@ TEST_F(PrintFileInterpreterTest, LinesBeyondTheSixteenBitCounterAreNeverReached)
 
 TEST(JobClosing, CardTransactionsBecomeOneLineEachAndARefusedQueryNone)
 {
-    EXPECT_TRUE(CardPaymentLinesOfReply(QStringLiteral("////")).isEmpty());
-    EXPECT_TRUE(CardPaymentLinesOfReply(QStringLiteral("00/00/00/0/")).isEmpty());
+    ScriptedLink link;
+    ReceiptState receipt;
+    const auto linesFor = [&](qint16 status, const QString& reply) {
+        link.queue.push_back({status, reply});
+        return CardPaymentLines(link, receipt);
+    };
+    EXPECT_TRUE(linesFor(0, QStringLiteral("////")).isEmpty());
+    EXPECT_TRUE(linesFor(0, QStringLiteral("00/00/00/0/")).isEmpty());
     const QString one = QStringLiteral("00/00/00/1/T2/A3/B4/C5/D6/E7/F8/G9/H10/I11/J12/K13/L14/");
-    EXPECT_EQ(CardPaymentLinesOfReply(one), QStringList{"ccPay0 = B4;C5;D6;E7;F8;G9;I11;A3"});
+    EXPECT_EQ(linesFor(0, one), QStringList{"ccPay0 = B4;C5;D6;E7;F8;G9;I11;A3"});
     const QString two = one + QStringLiteral("M1/N2/O3/P4/Q5/R6/S7/T8/U9/V10/W11/X12/Y13/Z14/");
-    EXPECT_EQ(CardPaymentLinesOfReply(two).value(1), QStringLiteral("ccPay1 = P4;Q5;R6;S7;T8;U9;W11;O3"));
+    EXPECT_EQ(linesFor(0, two).value(1), QStringLiteral("ccPay1 = P4;Q5;R6;S7;T8;U9;W11;O3"));
+    EXPECT_EQ(link.commands().last(), QStringLiteral("5/99/0/ ///1/1/"));
+
+    // A refused query leaves its status for the job and writes no line.
+    EXPECT_TRUE(linesFor(44, QStringLiteral("paper")).isEmpty());
+    EXPECT_EQ(receipt.LastStatus, 44);
 }

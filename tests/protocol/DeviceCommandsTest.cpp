@@ -1,4 +1,4 @@
-#include "operations/DeviceCommands.h"
+#include "protocol/DeviceCommands.h"
 
 #include "PrintQString.h"
 
