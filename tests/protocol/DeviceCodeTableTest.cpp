@@ -206,8 +206,9 @@ TEST(DeviceCodeTable, EveryRowGivesItsCodeAndTextAndNoOtherCodeHasText)
         listed.insert(row.code);
     }
     for (int code = 1; code <= 255; ++code) {
-        if (!listed.contains(code))
+        if (!listed.contains(code)) {
             EXPECT_TRUE(DeviceCodeText(code).isNull()) << code;
+        }
     }
 }
 
