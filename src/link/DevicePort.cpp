@@ -58,8 +58,9 @@ void DevicePort::close()
     port_.isConnected = false;
 }
 
-LinkBackend::Exchanged DevicePort::exchange(const QString& command, qint16& timeoutSeconds,
-                                            bool ignoreOperatorBusy)
+LinkBackend::Exchanged DevicePort::ExchangeCommand(const QString& command,
+                                                   qint16& timeoutSeconds,
+                                                   bool ignoreOperatorBusy)
 {
     return port_.backend->exchange(command, timeoutSeconds, ignoreOperatorBusy);
 }

@@ -32,9 +32,9 @@ public:
     qint16 openTcp(const QString& address, quint16 port);
     void close();
 
-    // One command, always quiet.
-    LinkBackend::Exchanged exchange(const QString& command, qint16& timeoutSeconds,
-                                    bool ignoreOperatorBusy);
+    // One command over whichever backend the link opened, always quiet.
+    LinkBackend::Exchanged ExchangeCommand(const QString& command, qint16& timeoutSeconds,
+                                           bool ignoreOperatorBusy);
 
 private:
     const ModuleVariables& vars_;

@@ -81,15 +81,14 @@ DeviceReply DeviceSession::doSend(const QString& command, const SendOptions& opt
     qint16 timeoutSeconds = options.timeoutSeconds;
     for (;;) {
         const LinkBackend::Exchanged exchanged =
-            port_.exchange(command, timeoutSeconds, vars_.IgnoreOperatorBusy);
+            port_.ExchangeCommand(command, timeoutSeconds, vars_.IgnoreOperatorBusy);
         const DeviceReply& reply = exchanged.reply;
-        bool again = false;
-        if (!options.quiet && !reply.ok()) {
+        if (!reply.ok() && !options.quiet) {
             ShowDeviceMessage(reply.status(), reply.text());
-            again = IsRetryStatus(reply.status());
+            // The register has cleared by now: the same command goes out again.
+            if (IsRetryStatus(reply.status()))
+                continue;
         }
-        if (again)
-            continue;
         if (!reply.ok() && options.logMode == SendOptions::kLogModeResultFile)
             appendErrLine(reply.status(), exchanged.sentForm);
         return reply;
