@@ -15,7 +15,6 @@ namespace {
 
 const QString kKerbanoTitle = QStringLiteral("Μύνημα Kerbano");
 const QString kInConversationText = QStringLiteral("Η ταμειακή εκτελεί άλλη εντολή");
-constexpr qint16 kStatusOperatorBusy = 251;
 
 QString tcpOpenText(qint16 status)
 {

@@ -3,6 +3,7 @@
 #include "link/DeviceSession.h"
 #include "link/LinkLogStamp.h"
 #include "link/LinkMessageTitle.h"
+#include "link/SerialExchange.h"
 #include "protocol/DeviceCommands.h"
 #include "protocol/DeviceStatusClass.h"
 #include "shell/Clock.h"
@@ -12,9 +13,6 @@
 
 namespace {
 
-constexpr qint16 kStatusOperatorBusy = 251;
-constexpr qint16 kStatusNoEnqAnswer = -207;
-
 bool isEftStatus(qint16 status)
 {
     return status == 193 || status == 200 || status == 207;
@@ -22,7 +20,7 @@ bool isEftStatus(qint16 status)
 
 QString pollStateLine(qint16 status)
 {
-    if (status == kStatusNoEnqAnswer)
+    if (status == SerialExchange::kStatusNoEnqAnswer)
         return QStringLiteral("Περιμένετε [%1]").arg(status);
     if (isEftStatus(status))
         return QStringLiteral("Αναμονή EFTPOS[%1]").arg(status);
