@@ -69,11 +69,9 @@ int main(int argc, char** argv)
     net.RemotePort = port;
     if (net.OpenConnection() != 0)
         return 1;
-    qint16 status = 0;
-    QString reply;
     double cpu0 = cpuSeconds();
     qint64 t0 = clock.monotonicMs();
-    TcpExchange(net, clock, log).run("?/", status, reply, false);
+    TcpExchange(net, clock, log).run("?/", false);
     report("TCP, no reply (4 x 10 s)", (clock.monotonicMs() - t0) / 1000.0, cpuSeconds() - cpu0);
     net.ShutdownConnection();
     ::close(listener);
@@ -88,7 +86,7 @@ int main(int argc, char** argv)
     qint16 timeout = qint16(enqSeconds);
     cpu0 = cpuSeconds();
     t0 = clock.monotonicMs();
-    SerialExchange(serial, clock, log).run(FrameCommand("?/"), status, reply, timeout, false);
+    const qint16 status = SerialExchange(serial, clock, log).run(FrameCommand("?/"), timeout, false).status();
     report("serial, ENQ unanswered", (clock.monotonicMs() - t0) / 1000.0, cpuSeconds() - cpu0);
     ::close(slave);
     ::close(master);

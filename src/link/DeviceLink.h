@@ -1,21 +1,53 @@
 #pragma once
 
+#include "protocol/DeviceReply.h"
+
 #include <QString>
 #include <QtGlobal>
 
-// The one road to the register. The real link frames and sends over serial or
-// TCP; tests put a scripted link in its place.
+// How one command is to be sent.
+struct SendOptions {
+    // A failed command leaves an "Err = " line in the result file.
+    static constexpr int kLogModeResultFile = 0;
+    // Probes and status polls, and card payment commands: no line.
+    static constexpr int kLogModeProbe = 1;
+    static constexpr int kLogModeCard = 2;
+
+    // Nothing is shown to the operator and nothing is sent again.
+    bool quiet = false;
+    // The wait for the register's answer to ENQ on a serial line; 0 means 3.
+    qint16 timeoutSeconds = 0;
+    int logMode = kLogModeResultFile;
+};
+
+// The one road to the register, as the operations, tables, payments and
+// reports see it. The device session stands behind it; tests put a scripted
+// link in its place.
 class DeviceLink {
 public:
     virtual ~DeviceLink() = default;
 
-    // Sends one command and leaves the outcome in status (0 success, a device
-    // code, or a negative link failure) and reply (the reply without control
-    // bytes, or the message). quiet: nothing shown, nothing retried.
-    // timeoutSeconds: the wait for ENQ on serial; 0 means 3 and is written back.
-    // logMode 0: a failure leaves an "Err = " line in the result file.
-    virtual void SendCommand(const QString& command, qint16& status, QString& reply, bool quiet,
-                             qint16& timeoutSeconds, int logMode) = 0;
+    // Sends one command; the reply carries the status (0 success, a device
+    // code, or a negative link failure), the text, and the fields.
+    DeviceReply send(const QString& command, const SendOptions& options = {})
+    {
+        return doSend(command, options);
+    }
+
+    // Sends a query (a command paired with its reader) and reads its answer;
+    // nothing when the register refused or did not answer.
+    template <typename Query>
+    auto ask(const Query& query, const SendOptions& options = {})
+    {
+        return query.read(send(query.command(), options));
+    }
+
+    // The status-and-text form of send. timeoutSeconds 0 is left holding 3.
+    void SendCommand(const QString& command, qint16& status, QString& reply, bool quiet,
+                     qint16& timeoutSeconds, int logMode);
+    // The usual call: not quiet, the default ENQ wait, logged to the result file.
+    void SendCommand(const QString& command, qint16& status, QString& reply, bool quiet = false,
+                     int logMode = SendOptions::kLogModeResultFile);
 
     // What the operator sees of a status: a message box, or the device-wait
     // window that polls until the register clears.
@@ -30,11 +62,6 @@ public:
     // True while the open link is TCP.
     virtual bool tcpPort() const = 0;
 
-    // The usual call: not quiet, the default ENQ wait, logged to the result file.
-    void SendCommand(const QString& command, qint16& status, QString& reply, bool quiet = false,
-                     int logMode = 0)
-    {
-        qint16 timeoutSeconds = 0;
-        SendCommand(command, status, reply, quiet, timeoutSeconds, logMode);
-    }
+private:
+    virtual DeviceReply doSend(const QString& command, const SendOptions& options) = 0;
 };

@@ -1,9 +1,9 @@
 #include "link/SerialExchange.h"
 
-#include "link/LinkBytes.h"
 #include "link/LinkLogStamp.h"
-#include "link/ReplyDecoder.h"
 #include "link/Transport.h"
+#include "protocol/LinkBytes.h"
+#include "protocol/ReplyDecoder.h"
 #include "shell/CodePage.h"
 #include "shell/CommunicationLog.h"
 
@@ -56,11 +56,16 @@ void SerialExchange::DrainLink()
         log(QStringLiteral(" Buf       ") + drainedText(rest));
 }
 
-void SerialExchange::run(const QString& frame, qint16& status, QString& reply,
-                         qint16& timeoutSeconds, bool ignoreOperatorBusy)
+DeviceReply SerialExchange::noEnqAnswer()
 {
-    status = 0;
-    reply.clear();
+    return DeviceReply::linkFailure(kStatusNoEnqAnswer,
+                                    QStringLiteral("Αναμονή Απόκρισης Ταμειακής..."),
+                                    ReplyOutcome::LinkLost);
+}
+
+DeviceReply SerialExchange::run(const QString& frame, qint16& timeoutSeconds,
+                                bool ignoreOperatorBusy)
+{
     if (timeoutSeconds == 0)
         timeoutSeconds = kDefaultEnqWaitSeconds;
     const qint64 enqDeadline = roundedToSecond(clock_.monotonicMs()) + timeoutSeconds * 1000LL;
@@ -78,10 +83,8 @@ void SerialExchange::run(const QString& frame, qint16& status, QString& reply,
             enqAnswer = SerialRead();
             log(QStringLiteral(" RAW       ") + enqAnswer);
             if (clock_.monotonicMs() > enqDeadline) {
-                status = kStatusNoEnqAnswer;
-                reply = QStringLiteral("Αναμονή Απόκρισης Ταμειακής...");
                 DrainLink();
-                return;
+                return noEnqAnswer();
             }
         }
 
@@ -102,17 +105,18 @@ void SerialExchange::run(const QString& frame, qint16& status, QString& reply,
         if (complete)
             break;
 
-        status = kStatusNoReply;
-        reply = QStringLiteral("Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
         if (++framesSent >= kMaxFrames)
-            return;
+            return DeviceReply::linkFailure(
+                kStatusNoReply, QStringLiteral("Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !"),
+                ReplyOutcome::NoReply);
     }
 
     port_.write(QByteArray(1, linkbytes::ACK));
-    reply = StripControlBytes(buffer);
-    log(QStringLiteral(" reply     ") + reply);
-    status = DecodeReply(reply, ignoreOperatorBusy);
-    log(QStringLiteral(" exres     ") + reply);
+    const QString received = StripControlBytes(buffer);
+    log(QStringLiteral(" reply     ") + received);
+    const DeviceReply reply = DeviceReply::decode(received, ignoreOperatorBusy);
+    log(QStringLiteral(" exres     ") + reply.text());
     log(QStringLiteral(" -----------"));
     DrainLink();
+    return reply;
 }

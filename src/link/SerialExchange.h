@@ -1,5 +1,7 @@
 #pragma once
 
+#include "protocol/DeviceReply.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QtGlobal>
@@ -21,11 +23,13 @@ public:
     static constexpr qint16 kStatusNoReply = -4;
     static constexpr qint16 kStatusNoEnqAnswer = -207;
 
+    // What a register that never answered the ENQ leaves, on an open line or none.
+    static DeviceReply noEnqAnswer();
+
     SerialExchange(Transport& port, Clock& clock, CommunicationLog& log);
 
     // frame: the framed command. timeoutSeconds 0 becomes 3 and is written back.
-    void run(const QString& frame, qint16& status, QString& reply, qint16& timeoutSeconds,
-             bool ignoreOperatorBusy);
+    DeviceReply run(const QString& frame, qint16& timeoutSeconds, bool ignoreOperatorBusy);
 
     // Writes in pieces of at most 255 bytes; returns the bytes of the last piece.
     qint64 SerialWrite(const QString& text);

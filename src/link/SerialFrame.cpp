@@ -1,6 +1,6 @@
 #include "link/SerialFrame.h"
 
-#include "link/LinkBytes.h"
+#include "protocol/LinkBytes.h"
 #include "shell/CodePage.h"
 
 namespace {

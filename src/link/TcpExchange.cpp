@@ -1,8 +1,8 @@
 #include "link/TcpExchange.h"
 
 #include "link/LinkLogStamp.h"
-#include "link/ReplyDecoder.h"
 #include "link/clsNet_TCP.h"
+#include "protocol/ReplyDecoder.h"
 #include "shell/CodePage.h"
 #include "shell/CommunicationLog.h"
 
@@ -46,16 +46,19 @@ bool TcpExchange::waitForReply(qint64 deadline)
     }
 }
 
-void TcpExchange::run(const QString& command, qint16& status, QString& reply,
-                      bool ignoreOperatorBusy)
+DeviceReply TcpExchange::noReply(bool lost)
 {
-    status = 0;
-    reply.clear();
+    return DeviceReply::linkFailure(kStatusNoReply, kNoReplyText,
+                                    lost ? ReplyOutcome::LinkLost : ReplyOutcome::NoReply);
+}
+
+DeviceReply TcpExchange::run(const QString& command, bool ignoreOperatorBusy)
+{
     const QByteArray bytes = codepage::toWin1253(command);
 
     for (int sends = 0;;) {
         clock_.sleepMs(kBeforeSendMs);
-        net_.SendData(bytes);
+        const bool sent = net_.SendData(bytes);
         // A payment gives the register time before anything is asked of it.
         if (command.startsWith(u'5'))
             clock_.sleepMs(kAfterPaymentSendMs);
@@ -63,23 +66,19 @@ void TcpExchange::run(const QString& command, qint16& status, QString& reply,
         const qint64 deadline = roundedToSecond(clock_.monotonicMs()) + kReplyWaitMs;
         if (waitForReply(deadline))
             break;
-        status = kStatusNoReply;
-        if (++sends >= kMaxSends) {
-            reply = kNoReplyText;
-            return;
-        }
+        if (++sends >= kMaxSends)
+            return noReply(!sent);
     }
 
     Transport* connection = net_.connection();
     const QByteArray received = connection ? connection->read(kMaxReplyBytes) : QByteArray();
-    if (received.isEmpty()) {
-        status = kStatusNoReply;
-        reply = kNoReplyText;
-        return;
-    }
-    reply = StripControlBytes(codepage::fromWin1253(received));
-    log(QStringLiteral(" reply     ") + reply);
-    status = DecodeReply(reply, ignoreOperatorBusy);
-    log(QStringLiteral(" exres     ") + reply);
+    // Something was readable and nothing came: the register hung up.
+    if (received.isEmpty())
+        return noReply(true);
+    const QString text = StripControlBytes(codepage::fromWin1253(received));
+    log(QStringLiteral(" reply     ") + text);
+    const DeviceReply reply = DeviceReply::decode(text, ignoreOperatorBusy);
+    log(QStringLiteral(" exres     ") + reply.text());
     log(QStringLiteral(" -----------"));
+    return reply;
 }

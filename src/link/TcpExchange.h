@@ -1,5 +1,7 @@
 #pragma once
 
+#include "protocol/DeviceReply.h"
+
 #include <QString>
 #include <QtGlobal>
 
@@ -22,7 +24,11 @@ public:
 
     TcpExchange(clsNet_TCP& net, Clock& clock, CommunicationLog& log);
 
-    void run(const QString& command, qint16& status, QString& reply, bool ignoreOperatorBusy);
+    DeviceReply run(const QString& command, bool ignoreOperatorBusy);
+
+    // What a command gets when nothing came back. lost: the command could not
+    // be sent or the register hung up, rather than a register that stayed silent.
+    static DeviceReply noReply(bool lost);
 
 private:
     bool waitForReply(qint64 deadline);

@@ -1,33 +1,28 @@
 #include "link/WaitForRegister.h"
 
 #include "link/DeviceLink.h"
-#include "operations/LinkCommands.h"
+#include "protocol/DeviceCommands.h"
 #include "shell/Clock.h"
 #include "shell/Operator.h"
 
 namespace {
 constexpr qint64 kRetryDelayMs = 1000;
 constexpr qint16 kStatusNoOpenReceipt = 70;
-constexpr int kLogModeProbe = 1;
 } // namespace
 
 qint16 WaitForRegister(DeviceLink& link, Operator& op, Clock& clock)
 {
+    const SendOptions probe{.quiet = true, .logMode = SendOptions::kLogModeProbe};
+    const SendOptions release{.quiet = false, .logMode = SendOptions::kLogModeProbe};
     bool shown = false;
     qint16 status = 0;
     for (;;) {
-        QString reply;
-        qint16 timeoutSeconds = 0;
-        link.SendCommand(linkcmd::ZeroPayment(), status, reply, true, timeoutSeconds,
-                         kLogModeProbe);
+        const DeviceReply zero = link.send(DeviceCommands::ZeroPayment(), probe);
+        status = zero.status();
         if (status == kStatusNoOpenReceipt) {
             qint16 last = 0;
-            for (const QString& command : linkcmd::ReleaseSequence()) {
-                QString releaseReply;
-                timeoutSeconds = 0;
-                link.SendCommand(command, last, releaseReply, false, timeoutSeconds,
-                                 kLogModeProbe);
-            }
+            for (const QString& command : DeviceCommands::ReleaseSequence())
+                last = link.send(command, release).status();
             if (last == 0)
                 status = 0;
         }
@@ -37,10 +32,10 @@ qint16 WaitForRegister(DeviceLink& link, Operator& op, Clock& clock)
         const QString stateLine = QStringLiteral("Status [%1]").arg(status);
         if (!shown) {
             op.openWaitWindow(QStringLiteral("Μήνυμα Ταμειακής (Αναμονή ολοκλήρωσης ταμειακής)"),
-                              stateLine, reply);
+                              stateLine, zero.text());
             shown = true;
         } else {
-            op.updateWaitWindow(stateLine, reply);
+            op.updateWaitWindow(stateLine, zero.text());
         }
         if (op.waitWindowClosedByOperator())
             break;

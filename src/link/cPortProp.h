@@ -1,18 +1,17 @@
 #pragma once
 
-#include "link/Transport.h"
-#include "link/clsNet_TCP.h"
+#include "link/LinkBackend.h"
 
 #include <memory>
 
 // The one port object of the program: which link is open and what holds it.
+// The backend is the serial line (its comHandle) or the network link (its
+// TCPClass), chosen at the last good opening; a serial line without a port
+// until then.
 class cPortProp {
 public:
     // -1 (true): the link is TCP; 0: serial.
     bool tcpPort = false;
-    // The open serial port (comHandle); empty when none.
-    std::unique_ptr<Transport> comHandle;
-    // The network link; replaced at every opening, the old one closing itself.
-    std::unique_ptr<clsNet_TCP> TCPClass;
     bool isConnected = false;
+    std::unique_ptr<LinkBackend> backend;
 };

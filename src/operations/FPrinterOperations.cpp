@@ -2,9 +2,10 @@
 
 #include "config/RegionalNumber.h"
 #include "link/DeviceLink.h"
-#include "operations/DeviceCommands.h"
-#include "operations/ReceiptState.h"
 #include "payments/PaymentMap.h"
+#include "protocol/DeviceCommands.h"
+#include "protocol/SaleOnTableReply.h"
+#include "records/ReceiptState.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
 #include "shell/Operator.h"
@@ -39,11 +40,6 @@ QString slashesToDashes(const QString& text)
     QString out = text;
     out.replace(QLatin1Char('/'), QLatin1Char('-'));
     return out;
-}
-
-QString replyField(const QString& reply, int index)
-{
-    return reply.split(QLatin1Char('/')).value(index);
 }
 
 // A line style of a comment: numeric and from 1 to 4.
@@ -84,10 +80,12 @@ QString FPrinterOperations::secondDescription(const QString& working)
     return working.trimmed().mid(dc::kFirstDescriptionMax).trimmed().left(dc::kSecondDescriptionMax);
 }
 
-void FPrinterOperations::send(const QString& command, bool quiet, int logMode)
+DeviceReply FPrinterOperations::send(const QString& command, bool quiet)
 {
-    qint16 timeoutSeconds = 0;
-    link_.SendCommand(command, state_.LastStatus, state_.LastReply, quiet, timeoutSeconds, logMode);
+    DeviceReply reply = link_.send(command, {.quiet = quiet});
+    state_.LastStatus = reply.status();
+    state_.LastReply = reply.text();
+    return reply;
 }
 
 void FPrinterOperations::FPrinterWrite(const QString& text, QVariant& a, QVariant& b, QVariant& c,
@@ -150,14 +148,14 @@ void FPrinterOperations::plu(const QString& working, QVariant& b, QVariant& c)
         if (!negative) {
             const QString command = dc::Sale(firstDescription(working), secondDescription(working),
                                              state_.ItemQty, state_.ItemPrice, department, vatRate);
-            send(command);
-            if (state_.currentTable() < 1 || state_.LastStatus != 0)
+            const std::optional<SaleOnTableReply> sold = SaleOnTableReply::read(send(command));
+            if (state_.currentTable() < 1 || !sold)
                 return;
             item.itemPrice = state_.ItemPrice;
             item.itemQuantity = state_.ItemQty;
             item.TableNUM = state_.currentTable();
-            item.tableORDER = static_cast<qint16>(replyField(state_.LastReply, 4).toInt());
-            item.itemUID = replyField(state_.LastReply, 3).toInt();
+            item.tableORDER = sold->lineOrder;
+            item.itemUID = sold->itemIdentifier;
             tables_->storeSoldItem(item, command, state_.LastReply);
         } else if (state_.TableMode == 0) {
             state_.ItemQty = std::fabs(state_.ItemQty);

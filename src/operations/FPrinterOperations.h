@@ -1,8 +1,9 @@
 #pragma once
 
-#include "operations/CardRoads.h"
 #include "operations/FPrinter.h"
-#include "operations/TableRoads.h"
+#include "payments/CardRoads.h"
+#include "protocol/DeviceReply.h"
+#include "tables/TableRoads.h"
 
 #include <QString>
 
@@ -37,7 +38,8 @@ public:
     static QString secondDescription(const QString& working);
 
 private:
-    void send(const QString& command, bool quiet = false, int logMode = 0);
+    // Sends with the result file's logging and leaves status and text in ReceiptState.
+    DeviceReply send(const QString& command, bool quiet = false);
 
     void plu(const QString& working, QVariant& b, QVariant& c);
     void dis(const QString& working, QVariant& a, QVariant& b, QVariant& c);

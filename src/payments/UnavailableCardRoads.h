@@ -1,6 +1,6 @@
 #pragma once
 
-#include "operations/CardRoads.h"
+#include "payments/CardRoads.h"
 
 class DeviceLink;
 

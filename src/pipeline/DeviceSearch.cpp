@@ -2,7 +2,7 @@
 
 #include "link/DeviceLink.h"
 #include "operations/FPrinter.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
 

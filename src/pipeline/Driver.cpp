@@ -27,7 +27,8 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
               EngineOptions{orCurrent(options_.workingDirectory), options_.commandLine,
                             options_.honourAutoStart})
     , log_(orCurrent(options_.programDirectory), engine_.moduleVariables())
-    , link_(engine_.moduleVariables(), clock, person, form, transports, log_)
+    , port_(engine_.moduleVariables(), clock, person, transports, log_)
+    , link_(port_, engine_.moduleVariables(), clock, person, form, engine_.resultSink(), log_)
     , cards_(link_)
     , printer_(link_, engine_.receiptState(), engine_.moduleVariables(), person, form,
                engine_.progress(), workFile(kPayEftFile))
@@ -93,6 +94,5 @@ bool Driver::jobInProgress() const
 
 bool Driver::inConversation() const
 {
-    // The link runs the event loop only inside the device-wait window's polling.
-    return link_.WaitFormOpen();
+    return link_.inConversation();
 }

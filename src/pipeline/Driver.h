@@ -1,6 +1,7 @@
 #pragma once
 
-#include "link/PortLink.h"
+#include "link/DevicePort.h"
+#include "link/DeviceSession.h"
 #include "operations/FPrinterOperations.h"
 #include "payments/UnavailableCardRoads.h"
 #include "pipeline/ActionRegistry.h"
@@ -36,7 +37,7 @@ public:
     Q_DISABLE_COPY_MOVE(Driver)
 
     Engine& engine() { return engine_; }
-    PortLink& link() { return link_; }
+    DeviceSession& link() { return link_; }
     FPrinterOperations& printer() { return printer_; }
     ReportRun& reports() { return reports_; }
     CommunicationLog& log() { return log_; }
@@ -66,7 +67,8 @@ private:
     DriverOptions options_;
     Engine engine_;
     CommunicationLog log_;
-    PortLink link_;
+    DevicePort port_;
+    DeviceSession link_;
     UnavailableCardRoads cards_;
     FPrinterOperations printer_;
     ReportRun reports_;

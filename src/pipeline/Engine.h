@@ -1,7 +1,7 @@
 #pragma once
 
 #include "config/JobSettings.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "pipeline/DeviceSearch.h"
 #include "pipeline/EngineState.h"
 #include "pipeline/FileWatch.h"

@@ -1,45 +1,33 @@
 #include "pipeline/JobClosing.h"
 
 #include "link/DeviceLink.h"
-#include "operations/DeviceCommands.h"
-#include "operations/ReceiptState.h"
+#include "protocol/EftOutcomeQuery.h"
+#include "records/ReceiptState.h"
 #include "tables/MDocData.h"
 
-#include <cmath>
-
 namespace {
-// The reply carries the transactions behind its first nine characters, 14
-// fields a transaction.
-constexpr int kReplyHeadLength = 9;
-constexpr int kFieldsPerTransaction = 14;
-constexpr int kFieldsBeforeTransactions = 4;
-const QString kRefusedReply = QStringLiteral("////");
 // Positions, within one transaction, of the eight fields handed to the application.
 constexpr int kPassedFields[] = {3, 4, 5, 6, 7, 8, 10, 2};
 } // namespace
 
-QStringList CardPaymentLinesOfReply(const QString& reply)
+QStringList CardPaymentLines(DeviceLink& link, ReceiptState& receipt)
 {
-    const qsizetype highestIndex = reply.split(QLatin1Char('/')).size() - 1;
-    // Rounded as the register's own arithmetic does: halves to even.
-    const double count = std::nearbyint(double(highestIndex - kFieldsBeforeTransactions)
-                                            / kFieldsPerTransaction
-                                        - 1.0);
-    const QStringList fields = reply.mid(kReplyHeadLength).split(QLatin1Char('/'));
+    const EftOutcomeQuery query;
+    const DeviceReply reply = link.send(query.command());
+    receipt.LastStatus = reply.status();
+    receipt.LastReply = reply.text();
+    // A refused query counts as a reply without transactions.
+    const std::optional<EftOutcomeQuery::Answer> answer = query.read(reply);
+    if (!answer)
+        return {};
     QStringList lines;
-    for (int j = 0; j <= int(count); ++j) {
+    for (qsizetype j = 0; j < answer->transactions.size(); ++j) {
         QStringList passed;
-        for (const int offset : kPassedFields)
-            passed << fields.value(kFieldsPerTransaction * j + offset);
+        for (const int position : kPassedFields)
+            passed << answer->transactions.at(j).value(position);
         lines << QStringLiteral("ccPay%1 = %2").arg(j).arg(passed.join(QLatin1Char(';')));
     }
     return lines;
-}
-
-QStringList CardPaymentLines(DeviceLink& link, ReceiptState& receipt)
-{
-    link.SendCommand(DeviceCommands::EftOutcomeQuery(), receipt.LastStatus, receipt.LastReply);
-    return CardPaymentLinesOfReply(receipt.LastStatus == 0 ? receipt.LastReply : kRefusedReply);
 }
 
 DocumentFigures ReadDocumentFigures(DeviceLink& link, const ReceiptState& receipt)

@@ -1,7 +1,7 @@
 #include "pipeline/PrintJob.h"
 
 #include "config/RegionalNumber.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "pipeline/JobParts.h"
 #include "shell/Clock.h"
 #include "shell/FileProcedures.h"

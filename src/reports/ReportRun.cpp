@@ -1,9 +1,9 @@
 #include "reports/ReportRun.h"
 
 #include "link/DeviceLink.h"
-#include "operations/DeviceCommands.h"
+#include "protocol/DeviceCommands.h"
 #include "operations/FPrinter.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
 

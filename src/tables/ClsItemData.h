@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tables/ClsTable.h"
+#include "records/ClsTable.h"
 #include "tables/OrderStoreFault.h"
 
 #include <QString>

@@ -2,37 +2,16 @@
 
 #include "config/RegionalNumber.h"
 #include "link/DeviceLink.h"
-#include "operations/DeviceCommands.h"
+#include "protocol/CountersQuery.h"
+#include "protocol/CurrentReceiptQuery.h"
+#include "protocol/DeviceCommands.h"
+#include "protocol/TableContentsQuery.h"
 
-#include <QStringList>
 #include <cmath>
 
 namespace {
-constexpr int kReceiptFields = 11;
-constexpr int kDailyNumberField = 8;
-constexpr int kReceiptAmountField = 9;
-constexpr int kCounterFields = 7;
-constexpr int kLastZField = 5;
-constexpr int kProgressiveField = 6;
-constexpr int kFirstItemField = 4;
-constexpr int kItemAmountSubField = 4;
 const QString kNoAmount = QStringLiteral("0.00");
 const QString kNoItem = QStringLiteral("-1");
-
-QStringList fieldsOf(const QString& reply, int atLeast)
-{
-    QStringList fields = reply.split(QLatin1Char('/'));
-    while (fields.size() < atLeast)
-        fields.append(QString());
-    return fields;
-}
-
-bool isWholeNumber(const QString& text)
-{
-    bool ok = false;
-    text.trimmed().toLongLong(&ok);
-    return ok;
-}
 } // namespace
 
 mDocData::mDocData(DeviceLink& link, QLocale locale)
@@ -43,12 +22,11 @@ mDocData::mDocData(DeviceLink& link, QLocale locale)
 
 qint16 mDocData::ReadReceiptTotals()
 {
-    bool ok = false;
-    const QStringList fields = ask(DeviceCommands::CurrentReceipt(), kReceiptFields, ok);
-    if (!ok || !isWholeNumber(fields[kDailyNumberField]))
+    const auto receipt = link_.ask(CurrentReceiptQuery{locale_});
+    if (!receipt)
         return -1;
-    dailyNumber_ = static_cast<qint16>(fields[kDailyNumberField].trimmed().toInt());
-    receiptAmount_ = ParseRegionalNumber(fields[kReceiptAmountField], nullptr, locale_);
+    dailyNumber_ = receipt->dailyNumber;
+    receiptAmount_ = receipt->amount;
     return 0;
 }
 
@@ -59,34 +37,20 @@ double mDocData::ReadRemainingAmount()
 
 qint32 mDocData::ReadProgressiveBase()
 {
-    bool ok = false;
-    const QStringList fields = ask(DeviceCommands::Counters(), kCounterFields, ok);
-    if (!ok || !isWholeNumber(fields[kProgressiveField]))
+    const auto counters = link_.ask(CountersQuery{});
+    if (!counters || !counters->receiptCounter)
         return -1;
-    return fields[kProgressiveField].trimmed().toInt() - fields[kLastZField].trimmed().toInt();
-}
-
-QStringList mDocData::ask(const QString& command, int atLeastFields, bool& ok)
-{
-    qint16 status = 0;
-    QString reply;
-    link_.SendCommand(command, status, reply);
-    ok = status == 0;
-    return ok ? fieldsOf(reply, atLeastFields) : QStringList();
+    return *counters->receiptCounter - counters->lastZ;
 }
 
 QString mDocData::ReadTableAmount(qint16 table)
 {
     if (table < 1)
         return kNoAmount;
-    bool ok = false;
-    const QStringList fields = ask(DeviceCommands::TableContents(table), 0, ok);
-    if (!ok)
+    const auto contents = link_.ask(TableContentsQuery{table});
+    if (!contents)
         return kNoAmount;
-    double sum = 0.0;
-    for (qsizetype i = kFirstItemField; i < fields.size() - 1; ++i)
-        sum += QLocale::c().toDouble(fields[i].split(QLatin1Char('|')).value(kItemAmountSubField).trimmed());
-    QString text = FormatDeviceNumber(sum, DeviceCommands::kAmountDecimals);
+    QString text = FormatDeviceNumber(contents->amount(), DeviceCommands::kAmountDecimals);
     return text.replace(QLatin1Char('.'), clsRegional(locale_).getOSCurrenrcy_Decimal_Sep());
 }
 
@@ -94,11 +58,10 @@ QString mDocData::ReadTableLastItem(qint16 table)
 {
     if (table < 1)
         return kNoItem;
-    bool ok = false;
-    const QStringList fields = ask(DeviceCommands::TableContents(table), 0, ok);
-    if (!ok || fields.size() < 2)
+    const auto contents = link_.ask(TableContentsQuery{table});
+    if (!contents || !contents->lastItemNumber)
         return kNoItem;
-    return fields[fields.size() - 2].split(QLatin1Char('|')).value(0);
+    return *contents->lastItemNumber;
 }
 
 clsDocData mDocData::BuildDocData(qint16 table)

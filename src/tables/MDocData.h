@@ -26,9 +26,6 @@ public:
     QString ReadTableLastItem(qint16 table);
 
 private:
-    // The reply's fields, at least atLeastFields of them; ok false when refused.
-    QStringList ask(const QString& command, int atLeastFields, bool& ok);
-
     DeviceLink& link_;
     QLocale locale_;
     qint16 dailyNumber_ = 0;

@@ -1,7 +1,7 @@
 #include "tables/MTable.h"
 
 #include "link/DeviceLink.h"
-#include "operations/DeviceCommands.h"
+#include "protocol/DeviceCommands.h"
 
 #include <QStringList>
 

@@ -27,6 +27,8 @@ TEST_P(UnderBothLocales, DeviceNumbersAlwaysCarryAPointAndRoundHalvesAwayFromZer
         {0.0, 3, "0.000"},       {0.4, 2, "0.40"},        {999.995, 2, "1000.00"},
         {9.9996, 3, "10.000"},   {-5.0, 2, "-5.00"},      {1234567.891, 2, "1234567.89"},
         {24.0, 0, "24"},         {6.5, 0, "6.5"},
+        // A negative value keeps its sign even when it rounds to nothing.
+        {-0.004, 2, "-0.00"},    {-0.005, 2, "-0.01"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(FormatDeviceNumber(c.value, c.decimals, locale), QString::fromLatin1(c.text))

@@ -31,8 +31,17 @@ protected:
     ModuleVariables vars;
     QTemporaryDir dir;
     CommunicationLog log{dir.path(), vars};
+    // What the last run left, as SendCommand's callers see it.
+    void keep(const DeviceReply& answer)
+    {
+        status = answer.status();
+        reply = answer.text();
+        outcome = answer.outcome();
+    }
+
     qint16 status = 99;
     QString reply;
+    ReplyOutcome outcome = ReplyOutcome::Success;
 };
 
 class SerialExchangeTest : public ExchangeTest {
@@ -50,7 +59,7 @@ protected:
     }
     void run(const QString& command)
     {
-        SerialExchange(port, clock, log).run(FrameCommand(command), status, reply, timeout, false);
+        keep(SerialExchange(port, clock, log).run(FrameCommand(command), timeout, false));
     }
 
     FakeTransport port{clock};
@@ -92,6 +101,7 @@ TEST_F(SerialExchangeTest, SilentLineGivesNoEnqAnswerAfterTheEnqWaitAndNoFrame)
         run("5/3/1.00////1/1/");
         EXPECT_EQ(status, -207);
         EXPECT_EQ(reply, "Αναμονή Απόκρισης Ταμειακής...");
+        EXPECT_EQ(outcome, ReplyOutcome::LinkLost);
         EXPECT_GT(clock.monotonicMs() - start, notBefore) << wait;
         EXPECT_LT(clock.monotonicMs() - start, notAfter) << wait;
     }
@@ -105,6 +115,7 @@ TEST_F(SerialExchangeTest, RegisterThatNeverRepliesGetsFourFramesThreeSecondsApa
     run("?/");
     EXPECT_EQ(status, -4);
     EXPECT_EQ(reply, "Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
+    EXPECT_EQ(outcome, ReplyOutcome::NoReply);
     QList<qint64> enqAt, frameAt;
     for (const auto& w : port.writes)
         (w.bytes == kEnq ? enqAt : frameAt) << w.atMs;
@@ -188,7 +199,7 @@ protected:
             t.onWrite = [&t](const QByteArray&) { t.deliver("\x02" "00/00/00/\x03", 5); };
         return t;
     }
-    void run(const QString& command) { TcpExchange(net, clock, log).run(command, status, reply, false); }
+    void run(const QString& command) { keep(TcpExchange(net, clock, log).run(command, false)); }
 
     ScriptedOperator op;
     FakeFactory factory{clock};
@@ -233,6 +244,7 @@ TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySecondsButAClosingPeerEndsAtOn
     run("?/");
     EXPECT_EQ(status, -4);
     EXPECT_EQ(reply, "Ο Φορολ. Μηχανισμός δεν Απαντά σε εντολή !");
+    EXPECT_EQ(outcome, ReplyOutcome::NoReply);
     EXPECT_EQ(t.writes.size(), 4);
     EXPECT_NEAR(double(clock.monotonicMs()), 40000.0, 2100.0);
 
@@ -240,6 +252,7 @@ TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySecondsButAClosingPeerEndsAtOn
     closing.closeAtMs = clock.monotonicMs() + 1000;
     run("?/");
     EXPECT_EQ(status, -4);
+    EXPECT_EQ(outcome, ReplyOutcome::LinkLost);
     EXPECT_EQ(closing.writes.size(), 1);
     EXPECT_LT(clock.monotonicMs(), closing.closeAtMs + 100);
 }
@@ -264,6 +277,7 @@ TEST_F(TcpExchangeTest, SendThatFailsFourTimesTellsTheOperator)
     vars.DeviceLabel = "Delta [DNT1]";
     run("?/");
     EXPECT_EQ(status, -4);
+    EXPECT_EQ(outcome, ReplyOutcome::LinkLost);
     EXPECT_EQ(factory.tcpConnects, 1 + 4 * 4);
     ASSERT_EQ(op.messages.size(), 4);
     EXPECT_EQ(op.messages[0].title, "Delta [DNT1]");

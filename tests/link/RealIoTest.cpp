@@ -1,4 +1,5 @@
-#include "link/PortLink.h"
+#include "link/DevicePort.h"
+#include "link/DeviceSession.h"
 #include "link/QtTransportFactory.h"
 #include "link/SerialExchange.h"
 #include "link/SerialFrame.h"
@@ -7,6 +8,7 @@
 #include "shell/CommunicationLog.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
+#include "shell/ResultSink.h"
 #include "ScriptedOperator.h"
 
 #include <QTemporaryDir>
@@ -61,7 +63,9 @@ TEST(RealSerialLine, ExchangeOverAPseudoTerminal)
     CommunicationLog log(dir.path(), vars);
     qint16 status = 99, timeout = 0;
     QString reply;
-    SerialExchange(port, clock, log).run(FrameCommand("?/"), status, reply, timeout, false);
+    const DeviceReply answer = SerialExchange(port, clock, log).run(FrameCommand("?/"), timeout, false);
+    status = answer.status();
+    reply = answer.text();
     device.join();
     EXPECT_EQ(status, 0);
     EXPECT_EQ(reply, "00/00/00/");
@@ -117,6 +121,11 @@ private:
     std::thread thread_;
 };
 
+// No job runs here: failed commands leave nothing.
+struct NoResultFile final : ResultSink {
+    void appendResultLine(const QString&) override {}
+};
+
 class RealTcpLink : public ::testing::Test {
 protected:
     RealClock clock;
@@ -126,7 +135,9 @@ protected:
     ScriptedOperator op;
     FormModel form;
     QtTransportFactory factory;
-    PortLink link{vars, clock, op, form, factory, log};
+    NoResultFile results;
+    DevicePort port{vars, clock, op, factory, log};
+    DeviceSession link{port, vars, clock, op, form, results, log};
     qint16 status = 99;
     QString reply;
 };

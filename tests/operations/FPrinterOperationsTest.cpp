@@ -3,7 +3,7 @@
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "payments/PaymentMap.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"

@@ -1,9 +1,8 @@
 #include "config/VatFile.h"
 #include "operations/FPrinterOperations.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "payments/PaymentMap.h"
 #include "payments/UnavailableCardRoads.h"
-#include "pipeline/JobClosing.h"
 #include "pipeline/PrintFileColumns.h"
 #include "pipeline/PrintFileInterpreter.h"
 #include "shell/Clock.h"
@@ -188,6 +187,20 @@ TEST_F(PrintFileInterpreterTest, SettingsChangeWhatAnItemSends)
     EXPECT_TRUE(run({QStringLiteral(" com  ΔΕΝ ΤΥΠΩΝΕΤΑΙ")}).isEmpty());
 }
 
+TEST_F(PrintFileInterpreterTest, FieldsFilledToTheirFullWidthAreCutByTheirColumns)
+{
+    // Every field fills its columns and touches its neighbours; the columns
+    // between the fields hold digits that belong to none of them.
+    const auto fullLine = [](const QString& quantity) {
+        return QStringLiteral(" PLU 12345678901234ΑΒΓΔΕΖΗΘΙΚΛΜΝΞΟΠΡΣΤΥΦΧΨΩ5555") + quantity
+            + QStringLiteral("66123456.7877724.00999888");
+    };
+    ASSERT_EQ(fullLine(QStringLiteral("-12.500")).indexOf(QStringLiteral("-12.500")), 47);
+    EXPECT_EQ(run({fullLine(QStringLiteral("100.250")), fullLine(QStringLiteral("-12.500"))}),
+              (QStringList{"3/S/ΑΒΓΔΕΖΗΘΙΚΛΜΝΞΟ/ΠΡΣΤΥΦΧΨΩ/100.250/123456.78/999/24.00/",
+                           "3/R/ΑΒΓΔΕΖΗΘΙΚΛΜΝΞΟ/ΠΡΣΤΥΦΧΨΩ/12.500/123456.78/999/24.00/"}));
+}
+
 TEST_F(PrintFileInterpreterTest, ItemFieldsFallBackAndCleanTheirText)
 {
     // No price sells at 1.00; a slash and accents never reach the register.
@@ -325,14 +338,4 @@ TEST_F(PrintFileInterpreterTest, LinesBeyondTheSixteenBitCounterAreNeverReached)
     QStringList lines(kMaxLines, QString());
     lines << QStringLiteral(" com  ΑΡΓΑ");
     EXPECT_TRUE(run(lines).isEmpty());
-}
-
-TEST(JobClosing, CardTransactionsBecomeOneLineEachAndARefusedQueryNone)
-{
-    EXPECT_TRUE(CardPaymentLinesOfReply(QStringLiteral("////")).isEmpty());
-    EXPECT_TRUE(CardPaymentLinesOfReply(QStringLiteral("00/00/00/0/")).isEmpty());
-    const QString one = QStringLiteral("00/00/00/1/T2/A3/B4/C5/D6/E7/F8/G9/H10/I11/J12/K13/L14/");
-    EXPECT_EQ(CardPaymentLinesOfReply(one), QStringList{"ccPay0 = B4;C5;D6;E7;F8;G9;I11;A3"});
-    const QString two = one + QStringLiteral("M1/N2/O3/P4/Q5/R6/S7/T8/U9/V10/W11/X12/Y13/Z14/");
-    EXPECT_EQ(CardPaymentLinesOfReply(two).value(1), QStringLiteral("ccPay1 = P4;Q5;R6;S7;T8;U9;W11;O3"));
 }

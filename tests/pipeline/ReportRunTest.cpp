@@ -4,7 +4,7 @@
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
 #include "operations/FPrinterOperations.h"
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
 #include "shell/ProgressIndicator.h"

@@ -45,22 +45,6 @@ public:
         return out;
     }
 
-    void SendCommand(const QString& command, qint16& status, QString& reply, bool quiet,
-                     qint16& timeoutSeconds, int logMode) override
-    {
-        if (timeoutSeconds == 0)
-            timeoutSeconds = 3;
-        sent.append({command, quiet, timeoutSeconds, logMode});
-        Answer a;
-        if (!(responder && responder(command, a)) && !queue.empty()) {
-            a = queue.front();
-            queue.pop_front();
-        }
-        status = a.status;
-        reply = a.reply;
-        if (status != 0 && !quiet)
-            ShowDeviceMessage(status, reply);
-    }
     void ShowDeviceMessage(qint16 status, const QString& reply) override
     {
         shownMessages.append({status, reply});
@@ -81,5 +65,18 @@ public:
     bool isConnected() const override { return connected; }
     bool tcpPort() const override { return tcp; }
 
-    using DeviceLink::SendCommand;
+private:
+    DeviceReply doSend(const QString& command, const SendOptions& options) override
+    {
+        sent.append({command, options.quiet, options.timeoutSeconds == 0 ? qint16(3) : options.timeoutSeconds,
+                     options.logMode});
+        Answer a;
+        if (!(responder && responder(command, a)) && !queue.empty()) {
+            a = queue.front();
+            queue.pop_front();
+        }
+        if (a.status != 0 && !options.quiet)
+            ShowDeviceMessage(a.status, a.reply);
+        return DeviceReply::fromStatusAndText(a.status, a.reply);
+    }
 };

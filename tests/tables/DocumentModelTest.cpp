@@ -5,7 +5,7 @@
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "config/VatFile.h"
-#include "tables/ClsTable.h"
+#include "records/ClsTable.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>

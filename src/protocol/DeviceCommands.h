@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
-// Every command the driver sends to the register for sales, tables, reports
-// and settings is written here, each with its exact run of slashes: the
-// register counts fields, so an empty field is kept as two adjacent slashes.
-// Numbers go through FormatDeviceNumber; text fields are cut to their limits,
-// never refused. The link's own commands live in LinkCommands.h.
+// Every command the driver sends to the register is written here, each with
+// its exact run of slashes: the register counts fields, so an empty field is
+// kept as two adjacent slashes. Numbers go through FormatDeviceNumber; text
+// fields are cut to their limits, never refused. Only the raw commands of a
+// print file (SND, PRG) reach the register without passing through here.
 namespace DeviceCommands {
 
 // Field limits of the register.
@@ -19,6 +20,12 @@ inline constexpr int kFooterLineMax = 32;
 inline constexpr int kReplacementTextMax = 15;
 inline constexpr int kQuantityDecimals = 3;
 inline constexpr int kAmountDecimals = 2;
+
+// The table the edition probe of the identification programs and opens, and
+// the program's version as that table's title shows it.
+inline constexpr int kProbeTable = 290;
+inline constexpr int kTitleMajorVersion = 11;
+inline constexpr int kTitleMinorVersion = 12;
 
 // Reading the register.
 QString StatusProbe();                       // ?/
@@ -84,6 +91,8 @@ QString MoveItem(int from, int to, qint32 identifier);
 QString EndItemMove(int from, int to);
 QString TablesDetailReport();
 QString TablesSummaryReport();
+// The edition probe: table 290 titled "Kerbano V11.12", second title empty.
+QString EditionProbeTitle();
 
 // Control and reports.
 QString DrawerSetting(int value); // I/<value>/0
@@ -96,6 +105,8 @@ QString XReportSecond();     // x/8/1/99999/
 QString ZReportDaily();      // x/7///
 QString Report5ZP();         // z/1/2600/
 QString DeviceCode(int code); // )/<code>/
+// Frees a register whose zero payment answered 70: )/15/, )/71/, )/15/, )/15/.
+QStringList ReleaseSequence();
 QString TaxServerSettings(bool connect, const QString& server, const QString& aesKey,
                           const QString& qrAddress);
 QString ProgramAlternativePayment(int alternative, const QString& text);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tables/ClsTable.h"
+#include "records/ClsTable.h"
 
 #include <QString>
 #include <QtGlobal>

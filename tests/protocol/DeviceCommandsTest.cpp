@@ -1,4 +1,4 @@
-#include "operations/DeviceCommands.h"
+#include "protocol/DeviceCommands.h"
 
 #include "PrintQString.h"
 
@@ -51,6 +51,8 @@ TEST(DeviceCommands, TextsAreCutNumbersFormattedAndEveryEmptyFieldCounted)
         {dc::ProgramAlternativePayment(1, "ΜΕΤΡΗΤΑ"), "Y/1/ΜΕΤΡΗΤΑ/ΑΠΠΚ//0/100011010/0/ΑΝΤΙ ΠΙΣΤ.ΚΑΡΤΑ/"},
         {dc::ProgramAlternativePayment(4, "ΕΠΙΤΑΓΗ"), "Y/4/ΕΠΙΤΑΓΗ/ΑΠΠΚ//0/100000001/0/ΑΝΤΙ ΠΙΣΤ.ΚΑΡΤΑ/"},
         {dc::EftBatch(2), "\\/15/2/////////////////"},
+        {dc::EditionProbeTitle(), "\"/0/290/1/Kerbano V11.12//"},
+        {dc::ReleaseSequence().join(u' '), ")/15/ )/71/ )/15/ )/15/"},
     };
     for (const auto& [built, expected] : rows)
         EXPECT_EQ(built, QString::fromUtf8(expected));

@@ -1,18 +1,17 @@
 // What the operator sees of a device status: the message box, or the
 // device-wait window (frmErr) that polls the register until it clears.
-#include "link/DeviceStatusClass.h"
+#include "link/DeviceSession.h"
 #include "link/LinkLogStamp.h"
 #include "link/LinkMessageTitle.h"
-#include "link/PortLink.h"
-#include "operations/LinkCommands.h"
+#include "link/SerialExchange.h"
+#include "protocol/DeviceCommands.h"
+#include "protocol/DeviceStatusClass.h"
+#include "shell/Clock.h"
 #include "shell/CommunicationLog.h"
 #include "shell/ModuleVariables.h"
 #include "shell/Operator.h"
 
 namespace {
-
-constexpr qint16 kStatusOperatorBusy = 251;
-constexpr qint16 kStatusNoEnqAnswer = -207;
 
 bool isEftStatus(qint16 status)
 {
@@ -21,7 +20,7 @@ bool isEftStatus(qint16 status)
 
 QString pollStateLine(qint16 status)
 {
-    if (status == kStatusNoEnqAnswer)
+    if (status == SerialExchange::kStatusNoEnqAnswer)
         return QStringLiteral("Περιμένετε [%1]").arg(status);
     if (isEftStatus(status))
         return QStringLiteral("Αναμονή EFTPOS[%1]").arg(status);
@@ -30,8 +29,11 @@ QString pollStateLine(qint16 status)
 
 } // namespace
 
-void PortLink::ShowDeviceMessage(qint16 status, const QString& reply)
+void DeviceSession::ShowDeviceMessage(qint16 status, const QString& reply)
 {
+    const Conversation conversation(*this);
+    if (conversation.refused())
+        return;
     if (!IsWaitStatus(status)) {
         const QString shown = reply.left(kMessageWidth).leftJustified(kMessageWidth, u' ');
         op_.message(LinkMessageTitle(vars_),
@@ -45,7 +47,7 @@ void PortLink::ShowDeviceMessage(qint16 status, const QString& reply)
     runWaitWindow(status, reply);
 }
 
-void PortLink::runWaitWindow(qint16 status, const QString& reply)
+void DeviceSession::runWaitWindow(qint16 status, const QString& reply)
 {
     const QString caption = QStringLiteral("Μήνυμα Ταμειακής (%1)").arg(vars_.DeviceLabel);
     const QString stateLine = status == 193 ? QStringLiteral("Αναμονή EFTPOS[%1]").arg(status)
@@ -58,19 +60,19 @@ void PortLink::runWaitWindow(qint16 status, const QString& reply)
         WaitPumping(kPollIntervalMs);
         if (op_.waitWindowClosedByOperator())
             break;
-        qint16 pollStatus = 0;
-        QString pollReply;
-        qint16 timeoutSeconds = vars_.EftBusy ? kPollWaitSecondsEft : kPollWaitSeconds;
-        SendCommand(linkcmd::StatusProbe(), pollStatus, pollReply, true, timeoutSeconds,
-                    kLogModeProbe);
-        if (pollStatus == 0)
+        const DeviceReply poll =
+            send(DeviceCommands::StatusProbe(),
+                 {.quiet = true,
+                  .timeoutSeconds = vars_.EftBusy ? kPollWaitSecondsEft : kPollWaitSeconds,
+                  .logMode = SendOptions::kLogModeProbe});
+        if (poll.ok())
             break;
-        if (pollStatus == kStatusOperatorBusy) {
+        if (poll.status() == kStatusOperatorBusy) {
             log_.PrintCombine(LinkLogStamp(clock_) + QStringLiteral(" open Receipt, wait 10s"));
             WaitPumping(kOperatorBusyPauseMs);
             continue;
         }
-        op_.updateWaitWindow(pollStateLine(pollStatus), pollReply);
+        op_.updateWaitWindow(pollStateLine(poll.status()), poll.text());
     }
     op_.closeWaitWindow();
     waitFormOpen_ = false;

@@ -1,4 +1,4 @@
-#include "link/ReplyDecoder.h"
+#include "protocol/ReplyDecoder.h"
 
 #include <gtest/gtest.h>
 

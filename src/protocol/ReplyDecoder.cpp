@@ -1,6 +1,6 @@
-#include "link/ReplyDecoder.h"
+#include "protocol/ReplyDecoder.h"
 
-#include "link/LinkBytes.h"
+#include "protocol/LinkBytes.h"
 
 #include <QHash>
 
@@ -37,7 +37,7 @@ constexpr StatusBit kStatusBits[] = {
 const QHash<int, QString>& codeTable()
 {
     static const QHash<int, QString> table = {
-#include "link/DeviceCodes.inc"
+#include "protocol/DeviceCodes.inc"
     };
     return table;
 }

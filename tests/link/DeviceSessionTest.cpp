@@ -1,27 +1,36 @@
 #include "FakeTransport.h"
 #include "ScriptedOperator.h"
 
-#include "link/PortLink.h"
+#include "link/DevicePort.h"
+#include "link/DeviceSession.h"
 #include "link/WaitForRegister.h"
 #include "shell/CommunicationLog.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
+#include "shell/ResultSink.h"
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <deque>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace {
 
+// The result file's writer as the session sees it: the lines handed over.
+struct RecordingSink final : ResultSink {
+    QStringList lines;
+    void appendResultLine(const QString& line) override { lines << line; }
+};
+
 // A register behind the link: each command is answered from its own queue of
 // replies (the last one repeats); commands without a queue get "00/00/00/".
-class PortLinkTest : public ::testing::Test {
+class DeviceSessionTest : public ::testing::Test {
 protected:
-    PortLinkTest()
+    DeviceSessionTest()
     {
         vars.DebugEnabled = true;
-        vars.ResultPath = dir.filePath("Result");
         vars.baud = "9600";
         factory.script = [this](FakeTransport& t) {
             t.onWrite = [this, &t](const QByteArray& w) {
@@ -54,7 +63,6 @@ protected:
         QFile f(path);
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
-    QByteArray resultFile() const { return fileBytes(vars.ResultPath); }
 
     VirtualClock clock;
     ModuleVariables vars;
@@ -63,7 +71,9 @@ protected:
     ScriptedOperator op;
     FormModel form;
     FakeFactory factory{clock};
-    PortLink link{vars, clock, op, form, factory, log};
+    RecordingSink results;
+    DevicePort port{vars, clock, op, factory, log};
+    DeviceSession link{port, vars, clock, op, form, results, log};
     std::map<QString, std::deque<QString>> replies;
     QStringList sent;
     qint16 status = 99;
@@ -71,7 +81,7 @@ protected:
     QString reply;
 };
 
-TEST_F(PortLinkTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
+TEST_F(DeviceSessionTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
 {
     open();
     replies["3/S/A//1.000/1.00/1/24.00/"] = {"2C/00/00/", "00/00/00/"};
@@ -85,7 +95,7 @@ TEST_F(PortLinkTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
     EXPECT_EQ(op.waitEvents[0].description, "Τέλος Χαρτοταινίας  'PAPEREND' !");
     EXPECT_EQ(op.waitEvents.back().kind, ScriptedOperator::WaitEvent::Close);
     EXPECT_FALSE(link.WaitFormOpen());
-    EXPECT_TRUE(resultFile().isEmpty());
+    EXPECT_TRUE(results.lines.isEmpty());
 
     // A quiet command returns at once with nothing shown or resent.
     op.waitEvents.clear();
@@ -98,17 +108,46 @@ TEST_F(PortLinkTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
     EXPECT_TRUE(op.messages.isEmpty());
 }
 
-TEST_F(PortLinkTest, BusyStatusBitWaitsButIsNotResent)
+TEST_F(DeviceSessionTest, EachRetryStatusIsResentOnceTheRegisterClearsAndNoOtherWaitStatusIs)
+{
+    open();
+    const struct {
+        const char* answer;
+        qint16 status;
+        bool resent;
+    } cases[] = {
+        {"1A/00/00/", 26, true},  {"2C/00/00/", 44, true},  {"36/00/00/", 54, true},
+        {"AA/00/00/", 170, true}, {"00/00/04/", 251, true}, {"4F/00/00/", 79, false},
+        {"5D/00/00/", 93, false}, {"C1/00/00/", 193, false}, {"C8/00/00/", 200, false},
+        {"CF/00/00/", 207, false}, {"00/01/00/", 252, false},
+    };
+    for (const auto& c : cases) {
+        sent.clear();
+        replies["7/1/1/A/"] = {c.answer, "00/00/00/"};
+        replies["?/"] = {"00/00/00/"};
+        send("7/1/1/A/");
+        const QStringList expected = c.resent ? QStringList({"7/1/1/A/", "?/", "7/1/1/A/"})
+                                              : QStringList({"7/1/1/A/", "?/"});
+        EXPECT_EQ(sent, expected) << c.answer;
+        EXPECT_EQ(status, c.resent ? 0 : c.status) << c.answer;
+        EXPECT_EQ(op.waitEvents.first().stateLine.contains(QString::number(c.status)), true) << c.answer;
+        op.waitEvents.clear();
+    }
+    EXPECT_TRUE(op.messages.isEmpty());
+}
+
+TEST_F(DeviceSessionTest, BusyStatusBitWaitsButIsNotResent)
 {
     open();
     replies["5/1/2.00////"] = {"00/01/00/"};
     send("5/1/2.00////");
     EXPECT_EQ(status, 252);
     EXPECT_EQ(sent, QStringList({"5/1/2.00////", "?/"}));
-    EXPECT_TRUE(resultFile().startsWith("Err = 252, [5/1/2.00////] DateTime = 02/01/2026 10:20:"));
+    ASSERT_EQ(results.lines.size(), 1);
+    EXPECT_TRUE(results.lines[0].startsWith("Err = 252, [5/1/2.00////] DateTime = 02/01/2026 10:20:"));
 }
 
-TEST_F(PortLinkTest, RefusalShowsFortyCharactersUnderTheDeviceLabelAndLogsTheResult)
+TEST_F(DeviceSessionTest, RefusalShowsFortyCharactersUnderTheDeviceLabelAndLogsTheResult)
 {
     open();
     replies["q/"] = {"06/00/00/"};
@@ -118,18 +157,18 @@ TEST_F(PortLinkTest, RefusalShowsFortyCharactersUnderTheDeviceLabelAndLogsTheRes
     EXPECT_EQ(op.messages[0].title, vars.DeviceLabel);
     EXPECT_EQ(op.messages[0].text, "Λάθος : 6\r" + QString("Λάθος Εντολή !").leftJustified(40));
     EXPECT_EQ(op.messages[0].icon, Operator::Icon::Critical);
-    EXPECT_TRUE(resultFile().endsWith("\r\n"));
+    EXPECT_EQ(results.lines.size(), 1);
 
     link.ShowDeviceMessage(-4, "Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
     EXPECT_EQ(op.messages[1].text, "Λάθος : -4\rΟ Φορολ. Εκτυπωτής δεν Απαντά σε εντολή ");
 
-    const QByteArray before = resultFile();
+    const qsizetype before = results.lines.size();
     send("q/", false, 1);
     send("q/", false, 2);
-    EXPECT_EQ(resultFile(), before);
+    EXPECT_EQ(results.lines.size(), before);
 }
 
-TEST_F(PortLinkTest, OperatorClosingTheWindowCountsAsCleared)
+TEST_F(DeviceSessionTest, OperatorClosingTheWindowCountsAsCleared)
 {
     open();
     replies["3/S/X"] = {"1A/00/00/", "00/00/00/"};
@@ -139,7 +178,7 @@ TEST_F(PortLinkTest, OperatorClosingTheWindowCountsAsCleared)
     EXPECT_EQ(sent, QStringList({"3/S/X", "3/S/X"}));
 }
 
-TEST_F(PortLinkTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds)
+TEST_F(DeviceSessionTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds)
 {
     open();
     replies["5/3/9.00///1/1/"] = {"C1/00/00/"};
@@ -152,17 +191,18 @@ TEST_F(PortLinkTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds)
     EXPECT_TRUE(fileBytes(log.filePath()).contains(" open Receipt, wait 10s\r\n"));
 }
 
-TEST_F(PortLinkTest, SerialErrLineCarriesTheFrameAndTimeoutZeroBecomesThree)
+TEST_F(DeviceSessionTest, SerialErrLineCarriesTheFrameAndTimeoutZeroBecomesThree)
 {
     open("com1");
     EXPECT_FALSE(link.tcpPort());
     replies["q/"] = {"06/00/00/"};
     send("q/", true);
     EXPECT_EQ(timeout, 3);
-    EXPECT_TRUE(resultFile().startsWith("Err = 6, [\x02q/60\x03] DateTime = "));
+    ASSERT_EQ(results.lines.size(), 1);
+    EXPECT_TRUE(results.lines[0].startsWith("Err = 6, [\x02q/60\x03] DateTime = "));
 }
 
-TEST_F(PortLinkTest, OpenFailuresGiveStatusAndText)
+TEST_F(DeviceSessionTest, OpenFailuresGiveStatusAndText)
 {
     const struct {
         qint16 status;
@@ -186,13 +226,13 @@ TEST_F(PortLinkTest, OpenFailuresGiveStatusAndText)
     // A port without its number is refused before any opening, silently.
     const int shown = op.messages.size();
     link.OpenDeviceLink("10.0.0.9", status, reply, false);
-    EXPECT_EQ(status, PortLink::kStatusBadPortSetting);
+    EXPECT_EQ(status, DeviceSession::kStatusBadPortSetting);
     EXPECT_FALSE(reply.isEmpty());
     EXPECT_EQ(op.messages.size(), shown);
     EXPECT_FALSE(link.isConnected());
 }
 
-TEST_F(PortLinkTest, IdentificationNamesTheModelAndProbesTheEdition)
+TEST_F(DeviceSessionTest, IdentificationNamesTheModelAndProbesTheEdition)
 {
     replies["a/"] = {"00/00/00/123/x/DNT/"};
     replies["\"/0/290/1/Kerbano V11.12//"] = {"06/00/00/"};
@@ -209,7 +249,7 @@ TEST_F(PortLinkTest, IdentificationNamesTheModelAndProbesTheEdition)
     EXPECT_EQ(sent, QStringList({"a/", "\"/0/290/1/Kerbano V11.12//", "&/0/290//////////////", "5/1/0.00////"}));
 }
 
-TEST_F(PortLinkTest, ModelsWithoutEditionsSendNoProbeAndAFailedIdentificationCloses)
+TEST_F(DeviceSessionTest, ModelsWithoutEditionsSendNoProbeAndAFailedIdentificationCloses)
 {
     const struct {
         const char* answer;
@@ -233,7 +273,7 @@ TEST_F(PortLinkTest, ModelsWithoutEditionsSendNoProbeAndAFailedIdentificationClo
     }
 }
 
-TEST_F(PortLinkTest, WaitForRegisterReleasesAReceiptThatAnswers70)
+TEST_F(DeviceSessionTest, WaitForRegisterReleasesAReceiptThatAnswers70)
 {
     open();
     replies["5/1/0.00////"] = {"1A/00/00/", "46/00/00/"};
@@ -243,13 +283,63 @@ TEST_F(PortLinkTest, WaitForRegisterReleasesAReceiptThatAnswers70)
     EXPECT_EQ(op.waitEvents.last().kind, ScriptedOperator::WaitEvent::Close);
 }
 
-TEST_F(PortLinkTest, VersionInfoOpensAsksAndClosesAgain)
+TEST_F(DeviceSessionTest, VersionInfoOpensAsksAndClosesAgain)
 {
     vars.port = "127.0.0.1:9101";
     replies["v/"] = {"00/00/00/POS 2.1/P 7/"};
     link.Ver();
     EXPECT_FALSE(link.isConnected());
     EXPECT_EQ(op.messages.back().text, "Version POS                : POS 2.1\rVersion Πρωτοκόλλου : P 7");
+}
+
+TEST_F(DeviceSessionTest, WhatReachesTheSessionWhileTheWaitWindowPollsIsRefused)
+{
+    open();
+    replies["3/S/X"] = {"2C/00/00/", "00/00/00/"};
+    replies["?/"] = {"00/00/00/"};
+    EXPECT_FALSE(link.inConversation());
+    // A menu action queued to the event loop, which the wait window runs.
+    bool insideConversation = false;
+    std::optional<DeviceReply> intruder;
+    QTimer::singleShot(0, [&] {
+        insideConversation = link.inConversation();
+        intruder = link.send("x/1/1/99999/");
+        link.CloseDeviceLink();
+        qint16 openStatus = 0;
+        QString openReply;
+        link.OpenDeviceLink("127.0.0.1:9101", openStatus, openReply, false);
+        EXPECT_EQ(openStatus, DeviceSession::kStatusInConversation);
+    });
+    send("3/S/X");
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(insideConversation);
+    ASSERT_TRUE(intruder.has_value());
+    EXPECT_EQ(intruder->status(), DeviceSession::kStatusInConversation);
+    EXPECT_EQ(intruder->outcome(), ReplyOutcome::Busy);
+    EXPECT_EQ(sent, QStringList({"3/S/X", "?/", "3/S/X"}));
+    EXPECT_TRUE(link.isConnected());
+    EXPECT_EQ(factory.tcpConnects, 1);
+    EXPECT_TRUE(results.lines.isEmpty());
+    EXPECT_TRUE(op.messages.isEmpty());
+
+    // Once the conversation has ended the same command goes through.
+    EXPECT_FALSE(link.inConversation());
+    EXPECT_TRUE(link.send("x/1/1/99999/").ok());
+    EXPECT_EQ(sent.last(), "x/1/1/99999/");
+}
+
+TEST_F(DeviceSessionTest, ALinkNeverOpenedIsLostAndASilentRegisterGivesNoReply)
+{
+    // A serial port object before any opening: nothing answers the ENQ.
+    const DeviceReply unopened = link.send("?/", {.quiet = true});
+    EXPECT_EQ(unopened.status(), -207);
+    EXPECT_EQ(unopened.outcome(), ReplyOutcome::LinkLost);
+
+    open();
+    factory.made.last()->onWrite = {};
+    const DeviceReply silent = link.send("?/", {.quiet = true});
+    EXPECT_EQ(silent.status(), -4);
+    EXPECT_EQ(silent.outcome(), ReplyOutcome::NoReply);
 }
 
 } // namespace

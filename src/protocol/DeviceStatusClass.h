@@ -2,6 +2,9 @@
 
 #include <QtGlobal>
 
+// The operator-busy bit of a "?/" poll, with device code "00".
+inline constexpr qint16 kStatusOperatorBusy = 251;
+
 // Statuses the register clears by itself: shown in the device-wait window,
 // which polls until the register answers again.
 inline bool IsWaitStatus(qint16 status)

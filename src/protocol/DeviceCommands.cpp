@@ -1,4 +1,4 @@
-#include "operations/DeviceCommands.h"
+#include "protocol/DeviceCommands.h"
 
 #include "config/RegionalNumber.h"
 
@@ -175,6 +175,14 @@ QString EndItemMove(int from, int to) { return fill(u"&/9/%1/%2/0////////////", 
 QString TablesDetailReport() { return QStringLiteral("&/10/1/290/1////////////"); }
 QString TablesSummaryReport() { return QStringLiteral("&/10/1/290/0////////////"); }
 
+QString EditionProbeTitle()
+{
+    return TableTitle(kProbeTable,
+                      QStringLiteral("Kerbano V") + n(kTitleMajorVersion) + QLatin1Char('.')
+                          + n(kTitleMinorVersion),
+                      QString());
+}
+
 QString DrawerSetting(int value) { return fill(u"I/%1/0", n(value)); }
 QString OperationNs() { return QStringLiteral("L/"); }
 QString PaperFeed(int station, int lines) { return fill(u"w/%1/%2/", n(station), n(lines)); }
@@ -185,6 +193,11 @@ QString XReportSecond() { return QStringLiteral("x/8/1/99999/"); }
 QString ZReportDaily() { return QStringLiteral("x/7///"); }
 QString Report5ZP() { return QStringLiteral("z/1/2600/"); }
 QString DeviceCode(int code) { return fill(u")/%1/", n(code)); }
+
+QStringList ReleaseSequence()
+{
+    return {DeviceCode(15), DeviceCode(71), DeviceCode(15), DeviceCode(15)};
+}
 
 QString TaxServerSettings(bool connect, const QString& server, const QString& aesKey,
                           const QString& qrAddress)

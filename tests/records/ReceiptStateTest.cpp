@@ -1,4 +1,4 @@
-#include "operations/ReceiptState.h"
+#include "records/ReceiptState.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,20 @@
+#include "link/DeviceLink.h"
+
+#include "link/SerialExchange.h"
+
+void DeviceLink::SendCommand(const QString& command, qint16& status, QString& reply, bool quiet,
+                             qint16& timeoutSeconds, int logMode)
+{
+    const DeviceReply answer = send(command, SendOptions{quiet, timeoutSeconds, logMode});
+    if (timeoutSeconds == 0)
+        timeoutSeconds = SerialExchange::kDefaultEnqWaitSeconds;
+    status = answer.status();
+    reply = answer.text();
+}
+
+void DeviceLink::SendCommand(const QString& command, qint16& status, QString& reply, bool quiet,
+                             int logMode)
+{
+    qint16 timeoutSeconds = 0;
+    SendCommand(command, status, reply, quiet, timeoutSeconds, logMode);
+}

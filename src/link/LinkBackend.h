@@ -1,0 +1,26 @@
+#pragma once
+
+#include "protocol/DeviceReply.h"
+
+#include <QString>
+#include <QtGlobal>
+
+// The functions of one transport under the link, chosen once when the link
+// opens: the serial line or the network. Above it nothing asks which.
+class LinkBackend {
+public:
+    struct Exchanged {
+        DeviceReply reply;
+        // The command as it went out: framed on a serial line, plain on TCP.
+        QString sentForm;
+    };
+
+    virtual ~LinkBackend() = default;
+
+    virtual bool isTcp() const = 0;
+    // One command and its reply, always quiet. timeoutSeconds: the wait for
+    // the answer to ENQ on a serial line; 0 becomes 3 there and is written back.
+    virtual Exchanged exchange(const QString& command, qint16& timeoutSeconds,
+                               bool ignoreOperatorBusy) = 0;
+    virtual void close() = 0;
+};

@@ -1,0 +1,22 @@
+#include "link/TcpBackend.h"
+
+#include "link/TcpExchange.h"
+
+TcpBackend::TcpBackend(std::unique_ptr<clsNet_TCP> net, Clock& clock, CommunicationLog& log)
+    : net_(std::move(net))
+    , clock_(clock)
+    , log_(log)
+{
+}
+
+LinkBackend::Exchanged TcpBackend::exchange(const QString& command, qint16& timeoutSeconds,
+                                            bool ignoreOperatorBusy)
+{
+    Q_UNUSED(timeoutSeconds) // the network waits its own ten seconds a send
+    return {TcpExchange(*net_, clock_, log_).run(command, ignoreOperatorBusy), command};
+}
+
+void TcpBackend::close()
+{
+    net_->ShutdownConnection();
+}

@@ -1,0 +1,135 @@
+#include "protocol/CountersQuery.h"
+#include "protocol/CurrentReceiptQuery.h"
+#include "protocol/DepartmentQuery.h"
+#include "protocol/DeviceSerialQuery.h"
+#include "protocol/EftOutcomeQuery.h"
+#include "protocol/SaleOnTableReply.h"
+#include "protocol/TableContentsQuery.h"
+#include "protocol/VatTableQuery.h"
+#include "protocol/VersionQuery.h"
+
+#include "PrintQString.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QLocale kGreek(QLocale::Greek, QLocale::Greece);
+const QLocale kEnglish(QLocale::English, QLocale::UnitedStates);
+
+DeviceReply answer(const char* text) { return DeviceReply::decode(QString::fromUtf8(text), false); }
+const DeviceReply kRefused = DeviceReply::decode(QStringLiteral("06/00/00/"), false);
+
+TEST(RegisterQueries, IdentityVersionsVatTableAndDepartment)
+{
+    EXPECT_EQ(DeviceSerialQuery().command(), "a/");
+    EXPECT_EQ(DeviceSerialQuery().read(answer("00/00/00/123/x/DNT/")), QStringLiteral("DNT123"));
+    EXPECT_FALSE(DeviceSerialQuery().read(answer("00/00/00/123/")).has_value()); // too short
+    EXPECT_FALSE(DeviceSerialQuery().read(kRefused).has_value());
+
+    const auto versions = VersionQuery().read(answer("00/00/00/POS 2.1/P 7/"));
+    ASSERT_TRUE(versions.has_value());
+    EXPECT_EQ(versions->pos, "POS 2.1");
+    EXPECT_EQ(versions->protocol, "P 7");
+
+    for (const QLocale& locale : {kGreek, kEnglish}) {
+        const VatTableQuery vat{locale};
+        EXPECT_EQ(vat.command(), "e/");
+        EXPECT_EQ(vat.read(answer("00/00/00/24.00/13.00/ 6.00//0.00/9/")),
+                  (QList<double>{24.0, 13.0, 6.0, 0.0, 0.0}));
+        EXPECT_FALSE(vat.read(kRefused).has_value());
+    }
+
+    const DepartmentQuery department{12};
+    EXPECT_EQ(department.command(), "d/12");
+    const auto dep = department.read(answer("00/00/00/ ΑΡΤΟΣ /3/"));
+    ASSERT_TRUE(dep.has_value());
+    EXPECT_EQ(dep->description, "ΑΡΤΟΣ");
+    EXPECT_EQ(dep->vatCategory, 3);
+}
+
+TEST(DocumentQueries, CurrentReceiptAndCountersReadTheirFieldsOrNothing)
+{
+    for (const QLocale& locale : {kGreek, kEnglish}) {
+        const auto receipt = CurrentReceiptQuery{locale}.read(answer("00/00/00/x/x/x/x/x/42/-18.60/x/"));
+        ASSERT_TRUE(receipt.has_value());
+        EXPECT_EQ(receipt->dailyNumber, 42);
+        EXPECT_DOUBLE_EQ(receipt->amount, -18.6);
+    }
+    EXPECT_EQ(CurrentReceiptQuery().command(), "9/");
+    EXPECT_FALSE(CurrentReceiptQuery().read(answer("00/00/00/")).has_value());
+    EXPECT_FALSE(CurrentReceiptQuery().read(answer("00/00/00/x/x/x/x/x/4a/1.00/")).has_value());
+    EXPECT_FALSE(CurrentReceiptQuery().read(kRefused).has_value());
+
+    const auto counters = CountersQuery().read(answer("00/00/00/x/x/12/1012/"));
+    ASSERT_TRUE(counters.has_value());
+    EXPECT_EQ(counters->lastZ, 12);
+    EXPECT_EQ(counters->receiptCounter, 1012);
+    const auto noCounter = CountersQuery().read(answer("00/00/00/x/x/12/abc/"));
+    ASSERT_TRUE(noCounter.has_value());
+    EXPECT_FALSE(noCounter->receiptCounter.has_value());
+    EXPECT_FALSE(CountersQuery().read(kRefused).has_value());
+}
+
+TEST(TableQueries, ContentsItemsAmountAndLastItemAndTheSaleOnATable)
+{
+    const TableContentsQuery query{7};
+    EXPECT_EQ(query.command(), "&/11/7//0/0///////////");
+    const auto two = query.read(answer("00/00/00/7/3|x|x|x|4.50/5|x|x|x|10.25/"));
+    ASSERT_TRUE(two.has_value());
+    ASSERT_EQ(two->items.size(), 2);
+    EXPECT_EQ(two->items[1].value(0), "5");
+    EXPECT_DOUBLE_EQ(two->amount(), 14.75);
+    EXPECT_EQ(two->lastItemNumber, QStringLiteral("5"));
+
+    // Without items the last field but one is read all the same.
+    const auto none = query.read(answer("00/00/00/7/"));
+    ASSERT_TRUE(none.has_value());
+    EXPECT_TRUE(none->items.isEmpty());
+    EXPECT_EQ(none->amount(), 0.0);
+    EXPECT_EQ(none->lastItemNumber, QStringLiteral("7"));
+    EXPECT_FALSE(query.read(kRefused).has_value());
+
+    const auto sold = SaleOnTableReply::read(answer("00/00/00/1045/3/"));
+    ASSERT_TRUE(sold.has_value());
+    EXPECT_EQ(sold->itemIdentifier, 1045);
+    EXPECT_EQ(sold->lineOrder, 3);
+    EXPECT_FALSE(SaleOnTableReply::read(kRefused).has_value());
+}
+
+TEST(CardQueries, TransactionsAreFourteenFieldsEachAndTheLastTextClosesTheReply)
+{
+    EXPECT_EQ(EftOutcomeQuery().command(), "5/99/0/ ///1/1/");
+    QString reply = QStringLiteral("00/00/00");
+    for (int i = 1; i <= 13; ++i)
+        reply += QStringLiteral("/A%1").arg(i);
+    reply += QStringLiteral("/POS IS BUSY");
+    const QString one = reply + u'/';
+    for (int i = 1; i <= 13; ++i)
+        reply += QStringLiteral("/B%1").arg(i);
+    const QString two = reply + QStringLiteral("/DECLINED BY THE HOST/");
+
+    const auto first = EftOutcomeQuery().read(DeviceReply::decode(one, false));
+    ASSERT_TRUE(first.has_value());
+    ASSERT_EQ(first->transactions.size(), 1);
+    EXPECT_EQ(first->transactions[0].value(0), "A1");
+    EXPECT_EQ(first->transactions[0].value(13), "POS IS BUSY");
+    EXPECT_EQ(first->lastText, "POS IS BUSY");
+
+    const auto second = EftOutcomeQuery().read(DeviceReply::decode(two, false));
+    ASSERT_TRUE(second.has_value());
+    ASSERT_EQ(second->transactions.size(), 2);
+    EXPECT_EQ(second->transactions[1].value(0), "B1");
+    EXPECT_EQ(second->lastText, "DECLINED BY THE HOST");
+
+    // Fewer than twelve fields hold no transaction, but the last text is read.
+    const auto none = EftOutcomeQuery().read(answer("00/00/00/1/2/3/4/5/6/7/"));
+    ASSERT_TRUE(none.has_value());
+    EXPECT_TRUE(none->transactions.isEmpty());
+    EXPECT_EQ(none->lastText, "7");
+    EXPECT_EQ(EftOutcomeQuery().read(answer("00/00/00/1/2/3/4/5/6/7/8/"))->transactions.size(), 1);
+    EXPECT_TRUE(EftOutcomeQuery().read(DeviceReply::fromStatusAndText(0, QStringLiteral("x")))->lastText.isEmpty());
+    EXPECT_FALSE(EftOutcomeQuery().read(kRefused).has_value());
+}
+
+} // namespace
