@@ -23,9 +23,10 @@ bool parseTerminalSelector(const QStringList& words, TerminalRule& r, QString& w
         why = QStringLiteral("'terminal <T|*> [xK|always] :' expected");
         return false;
     }
+    const bool any = words[1] == QLatin1String("*");
     bool ok = true;
-    r.terminal = words[1] == QLatin1String("*") ? 0 : words[1].toInt(&ok);
-    if (!ok || r.terminal < 0 || r.terminal > capacity::kTerminals) {
+    r.terminal = any ? 0 : words[1].toInt(&ok);
+    if (!any && (!ok || r.terminal < 1 || r.terminal > capacity::kTerminals)) {
         why = QStringLiteral("terminal 1 to %1 or * expected").arg(capacity::kTerminals);
         return false;
     }
