@@ -96,7 +96,7 @@ CardTransaction CardTerminalCommands::charge(Command& c, int terminal, int payme
     tx.terminal = terminal;
     tx.payment = payment;
     tx.amount = amount;
-    tx.text = o.text;
+    tx.text = QString(o.text).replace(QLatin1Char('/'), QLatin1Char('-')); // no field holds a slash
     tx.approved = o.approved;
     tx.stamp = c.now.addSecs(o.waitSeconds).toString(QStringLiteral("ddMMyyhhmmss"));
     tx.receipt = m_.receipt.daily;

@@ -33,8 +33,9 @@ public:
 
     // Asks the terminal for the amount. The transaction is kept for the
     // query whatever the terminal said; a refusal is printed here, an
-    // approval by the payment with approvalLines().
+    // approval by the payment, under its own line, with approvalLines().
     CardTransaction charge(Command& c, int terminal, int payment, qint64 amount);
+    // What the terminal printed for the transaction just charged.
     QStringList approvalLines(const CardTransaction& tx) const;
 
     // "5/99/0/ ///1/1/": the transactions of the current or last document.
