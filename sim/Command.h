@@ -9,6 +9,7 @@ struct Command {
     QStringList fields;
     QDateTime now;
     QStringList printed;
+    int replyAfterMs = 0; // the answer waits on something, a slow card terminal
 
     QString field(int i) const { return fields.value(i); }
     int fieldCount() const { return static_cast<int>(fields.size()); }

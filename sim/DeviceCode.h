@@ -29,6 +29,8 @@ enum : int {
     kNeedQuantity = 0x88,
     kInactiveTable = 0xAF,
     kEftInactive = 0xBC,
+    kTableClosureInProgress = 0xC9,
+    kNoLinesToTransfer = 0xCA,
     kTableWrongState = 0xCE,
 };
 

@@ -127,9 +127,16 @@ void Document::close(Command& c)
 
 void Document::endVisit(Command& c)
 {
-    c.printed << paper::rule(QLatin1Char('-')) << QString();
+    if (m_.visitSlip) {
+        qint64 onTable = 0;
+        for (const TableItem& i : m_.tables[m_.visitTable].items)
+            onTable += fieldnumbers::lineAmount(i.qtyMilli, i.priceCents);
+        c.printed << row(QStringLiteral("ΣΥΝΟΛΟ ΤΡΑΠΕΖΙΟΥ"), money(onTable)) << paper::rule(QLatin1Char('-'))
+                  << QString();
+    }
     m_.visitTable = 0;
     m_.selectedOrder = 0;
+    m_.visitSlip = false;
 }
 
 Reply Document::adjust(Command& c, const Adjustment& a)
@@ -240,14 +247,13 @@ Reply Document::pay(Command& c, int number, qint64 amount, const QString& text, 
     if (r.kind != Receipt::PreCollection && amount > balance && pt.type != 0)
         return Reply::refuse(devicecode::kNoChangeForPayment);
 
-    QString terminalText;
+    CardTransaction card;
     if (terminal > 0) {
         if (!cards_.terminalActive(terminal))
             return Reply::refuse(devicecode::kEftInactive);
-        const CardTransaction& tx = cards_.charge(c, terminal, number, amount);
-        if (!tx.approved)
+        card = cards_.charge(c, terminal, number, amount);
+        if (!card.approved)
             return Reply::ok();
-        terminalText = tx.text;
     }
 
     if (r.kind == Receipt::PreCollection && r.lines.isEmpty())
@@ -258,7 +264,7 @@ Reply Document::pay(Command& c, int number, qint64 amount, const QString& text, 
     r.payments << PaymentLine{number, pt.name, text, amount};
     c.printed << row(text.trimmed().isEmpty() ? pt.name : text, money(amount));
     if (terminal > 0)
-        c.printed << QStringLiteral("  EFT #%1 %2").arg(terminal).arg(terminalText);
+        c.printed << cards_.approvalLines(card);
     if (paid() >= total()) {
         r.change = paid() - total();
         close(c);

@@ -35,7 +35,7 @@ public:
     // Paid in full: books the document into the day, prints its foot and
     // frees the table it settled.
     void close(Command& c);
-    // The order slip of the table visit ends.
+    // The table visit ends, and its order slip if anything went on it.
     void endVisit(Command& c);
 
     // A discount or surcharge on the last sale, or spread over the lines.

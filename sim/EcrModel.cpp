@@ -29,5 +29,5 @@ EcrModel::Outcome EcrModel::execute(const QString& command, const QDateTime& now
     Reply reply = commands_.run(c);
     // Every reply, a refusal too, tells whether something is open after the command.
     reply.withStatus(0, document_.anythingOpen() ? kDocumentOpenBit : 0);
-    return Outcome{reply, c.printed};
+    return Outcome{reply, c.printed, c.replyAfterMs};
 }

@@ -22,6 +22,7 @@ public:
     struct Outcome {
         Reply reply;         // without any framing
         QStringList printed; // lines the printer put on paper
+        int replyAfterMs = 0; // how long the register takes to answer
     };
 
     explicit EcrModel(RegisterMemory& memory);
@@ -33,6 +34,10 @@ public:
     // What the card terminal answers to the next card payments, in turn.
     // With nothing queued the terminal approves.
     void queueCardOutcome(const QString& text) { cards_.queueOutcome(text); }
+    // The fault script's card terminals: their answers and states.
+    void scriptTerminal(const TerminalRule& rule) { cards_.addRule(rule); }
+    // The next card payment gets this text before anything scripted.
+    void answerNextCardFirst(const QString& text) { cards_.answerNextFirst(TerminalOutcome::ofText(text)); }
 
     const RegisterMemory& memory() const { return m_; }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TerminalOutcome.h"
+
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
@@ -27,6 +29,9 @@ struct FaultEffect {
 // Actions: code HH, status HH HH, busy, paperend, operator, silent, lost,
 // nack, split MS, delay MS, drop, noenq, card TEXT.
 // A line "card TEXT" with no selector queues a terminal text for the next card payment.
+// A line "terminal <T|*> [xK|always] : <answer>" scripts the card terminals:
+// answer is "online", "offline", or "[wait S] approve [TEXT]", "[wait S] decline TEXT",
+// "[wait S] busy", "[wait S] nocontact".
 class FaultScript {
 public:
     bool parse(const QString& text, QString* error = nullptr);
@@ -36,7 +41,8 @@ public:
     // Whether the ENQ that precedes command n stays unanswered (consumes it).
     bool swallowEnq(int n, const QString& lastCommand);
 
-    const QStringList& queuedCards() const { return queuedCards_; }
+    // The card terminals' answers and states, in the order of the script.
+    const std::vector<TerminalRule>& terminalRules() const { return terminalRules_; }
 
 private:
     struct Rule {
@@ -47,7 +53,8 @@ private:
         QString action;
         QString argument;
     };
+    static bool parseRule(const QString& line, Rule& r, QString& why);
     bool matches(Rule& r, int n, const QString& command) const;
     std::vector<Rule> rules_;
-    QStringList queuedCards_;
+    std::vector<TerminalRule> terminalRules_;
 };

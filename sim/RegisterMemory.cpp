@@ -34,7 +34,7 @@ RegisterMemory RegisterMemory::factory()
 // an older file instead of misreading it.
 namespace {
 
-constexpr quint32 kMagic = 0x4B455231; // "KER1"
+constexpr quint32 kMagic = 0x4B455232; // "KER2"
 
 template <typename T, std::size_t N>
 QDataStream& put(QDataStream& s, const std::array<T, N>& a)
@@ -99,8 +99,14 @@ QDataStream& operator>>(QDataStream& s, PaymentType& p)
 {
     return s >> p.name >> p.shortName >> p.mask >> p.printText >> p.type;
 }
-QDataStream& operator<<(QDataStream& s, const Terminal& t) { return s << t.name << t.address << t.active; }
-QDataStream& operator>>(QDataStream& s, Terminal& t) { return s >> t.name >> t.address >> t.active; }
+QDataStream& operator<<(QDataStream& s, const Terminal& t)
+{
+    return s << t.name << t.address << t.active << t.batchCount << t.batchAmount;
+}
+QDataStream& operator>>(QDataStream& s, Terminal& t)
+{
+    return s >> t.name >> t.address >> t.active >> t.batchCount >> t.batchAmount;
+}
 QDataStream& operator<<(QDataStream& s, const CardTransaction& c)
 {
     return s << c.terminal << c.payment << c.amount << c.text << c.approved << c.stamp << c.receipt;
@@ -135,7 +141,7 @@ QDataStream& operator<<(QDataStream& s, const RegisterMemory& m)
     s << m.taxConnect << m.taxServer << m.taxKey << m.taxQr << m.receipt;
     put(s, m.tables);
     return s << m.nextUid << m.visitTable << m.selectedOrder << m.moveFrom << m.moveTo << m.movedPairs
-             << m.cardTransactions;
+             << m.cardTransactions << m.visitSlip;
 }
 
 QDataStream& operator>>(QDataStream& s, RegisterMemory& m)
@@ -157,5 +163,5 @@ QDataStream& operator>>(QDataStream& s, RegisterMemory& m)
     s >> m.taxConnect >> m.taxServer >> m.taxKey >> m.taxQr >> m.receipt;
     get(s, m.tables);
     return s >> m.nextUid >> m.visitTable >> m.selectedOrder >> m.moveFrom >> m.moveTo >> m.movedPairs
-             >> m.cardTransactions;
+             >> m.cardTransactions >> m.visitSlip;
 }

@@ -90,6 +90,9 @@ struct Terminal {
     QString name;
     QString address;
     bool active = false;
+    // approved card payments since the last batch
+    qint32 batchCount = 0;
+    qint64 batchAmount = 0;
 };
 
 struct CardTransaction {
@@ -145,6 +148,7 @@ struct RegisterMemory {
     std::array<TableRecord, capacity::kTables + 1> tables{};
     qint32 nextUid = 1;
     qint32 visitTable = 0;   // table taking items now
+    bool visitSlip = false;  // the visit's order slip has begun on paper
     qint32 selectedOrder = 0; // line chosen by &/5/
     qint32 moveFrom = 0;
     qint32 moveTo = 0;

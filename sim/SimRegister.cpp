@@ -38,8 +38,8 @@ bool SimRegister::loadFaults(const QString& scriptText, QString* error)
 {
     if (!faults_.parse(scriptText, error))
         return false;
-    for (const QString& card : faults_.queuedCards())
-        model_.queueCardOutcome(card);
+    for (const TerminalRule& rule : faults_.terminalRules())
+        model_.scriptTerminal(rule);
     return true;
 }
 
@@ -67,16 +67,17 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
         return out;
     }
     for (const QString& card : e.cards)
-        model_.queueCardOutcome(card);
+        model_.answerNextCardFirst(card);
 
-    const QString reply = answer(raw, command, e.code).withStatus(e.status1, e.status2).text();
+    int replyAfterMs = 0;
+    const QString reply = answer(raw, command, e.code, replyAfterMs).withStatus(e.status1, e.status2).text();
     if (e.lostReply || e.drop) {
         journal(command, reply + (e.drop ? QStringLiteral(" (dropped)") : QStringLiteral(" (lost)")));
         return out;
     }
     journal(command, reply);
     out.reply = win1253::encode(reply);
-    out.delayMs = e.delayMs;
+    out.delayMs = e.delayMs + replyAfterMs;
     if (e.splitMs >= 0) {
         out.splitAt = static_cast<int>(out.reply.size() / 2);
         out.splitMs = e.splitMs;
@@ -84,7 +85,7 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
     return out;
 }
 
-Reply SimRegister::answer(const QByteArray& raw, const QString& command, int faultCode)
+Reply SimRegister::answer(const QByteArray& raw, const QString& command, int faultCode, int& replyAfterMs)
 {
     if (raw.size() > kMaxCommandBytes)
         return Reply::refuse(devicecode::kFieldTooLong);
@@ -93,6 +94,7 @@ Reply SimRegister::answer(const QByteArray& raw, const QString& command, int fau
     EcrModel::Outcome o = model_.execute(command, clock_.now());
     print(o.printed);
     persist();
+    replyAfterMs = o.replyAfterMs;
     return o.reply;
 }
 

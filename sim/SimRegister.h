@@ -48,7 +48,8 @@ public:
 
 private:
     // Executes the command unless it is too long or the fault script answers for it.
-    Reply answer(const QByteArray& raw, const QString& command, int faultCode);
+    // replyAfterMs: how long the register itself takes to answer.
+    Reply answer(const QByteArray& raw, const QString& command, int faultCode, int& replyAfterMs);
     void journal(const QString& command, const QString& reply);
     void print(const QStringList& lines);
     void persist();

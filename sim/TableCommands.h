@@ -5,8 +5,9 @@
 
 class Document;
 
-// Tables 1 to 290: titles, visits that take items, selecting and moving
-// items, the closing and paying of a table's receipt, contents and reports.
+// Tables 1 to 290: titles, visits that take items, the selecting and
+// cancelling of a line, moves of items and of whole tables, the closing and
+// paying of a table's receipt, contents and reports.
 class TableCommands {
 public:
     TableCommands(RegisterMemory& memory, Document& document);
@@ -31,10 +32,23 @@ private:
     Reply report(Command& c);                // &/10/
     Reply contents(Command& c, int table);   // &/11/
 
-    // Ends a visit, opens the table's receipt with its items and applies the discount.
-    Reply prepareClosing(Command& c, int table, const QString& discountText);
+    // Ends a visit, opens the table's receipt with its items and gives it the discount.
+    Reply prepareClosing(Command& c, int table, qint64 discount);
+    void openTableReceipt(Command& c, int table);
+    // A later discount takes the place of the one given before.
+    Reply discountTable(Command& c, qint64 discount);
+    // A table whose items were all cancelled closes without a receipt.
+    Reply freeEmptiedTable(Command& c, int table);
+    bool tableReceiptOpen(int table) const;
+
+    Reply moveWholeTable(Command& c, int from, int to);
     Reply endItemMove(Command& c, int from, int to);
+    // The item goes onto the destination with a new identifier and the next order.
+    TableItem transfer(const TableItem& item, int to);
+
     Reply cancelSelected(Command& c, TableRecord& t, SaleLine& line);
+    // The order slip of the visit begins with its first line.
+    void beginSlip(Command& c);
 
     RegisterMemory& m_;
     Document& document_;

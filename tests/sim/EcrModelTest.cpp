@@ -1,4 +1,5 @@
 #include "EcrModel.h"
+#include "PrintQString.h"
 
 #include <gtest/gtest.h>
 
@@ -95,8 +96,9 @@ TEST_F(Register, TableItemsKeepIdentifiersThroughCancelAndMoves)
     // one item to table 290, then the rest of table 3 to table 4
     EXPECT_EQ(send("&/4/3/290/1/1///////////"), "00/00/00/");
     EXPECT_EQ(send("&/9/3/290/" + c.value(3) + "////////////"), "00/00/00/");
-    EXPECT_EQ(send("&/9/3/290/0////////////"), "00/00/00/3-3|4-1/");
-    EXPECT_EQ(send("&/4/3/4/0/1///////////"), "00/00/00/1-1|5-1/");
+    // the count of moved items, then from field 4 one moved item a field
+    EXPECT_EQ(send("&/9/3/290/0////////////"), "00/00/00/1/3-3|4-1/");
+    EXPECT_EQ(send("&/4/3/4/0/1///////////"), "00/00/00/1/1-1|5-1/");
     EXPECT_EQ(fields("&/11/3//0/0///////////").value(4), "");
     EXPECT_EQ(fields("&/11/4//0/0///////////").value(4), "1|5|ΚΑΦΕΣ|1.000|2.00|1|24.00");
 

@@ -1,0 +1,249 @@
+// The card terminals behind the virtual register: what the fault script
+// makes them answer, the outcome query, the batch and the tape.
+
+#include "EcrModel.h"
+#include "FaultScript.h"
+#include "PrintQString.h"
+#include "SimRegister.h"
+#include "SimTransport.h"
+#include "shell/Clock.h"
+#include "shell/CodePage.h"
+
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+// Every text a terminal reports when it took no money.
+const QStringList kRefusalTexts = {
+    "TRANSACTION WAS DECLINED",   "DECLINED BY THE TERMINAL",   "DECLINED BY THE HOST",
+    "COMMUNICATION PROBLEM",      "BANK'S HOST UNREACHABLE",    "TRANSACTION FAILED - POS ERROR",
+    "PROTOCOL NOT SUPPORTED",     "DUPLICATE REQUEST RECEIVED", "SYNTAX ERROR IN REQUEST",
+    "INVALID CURRENCY",           "INTERNAL POS ERROR",         "INVALID COMMAND",
+    "WRONG PARAMETER",            "POS IS BUSY",                "ECR-POS DISCONNECTION",
+    "USER CANCELLATION OR TIMEOUT", "ECR INACTIVE EFTPOS",      "RECEIVE:WRONG CMD RECEIVED",
+    "SEND:ENCRYPTION ERROR",      "MAC ERROR",                  "SEND:TIMEOUT WHILE SEND DATA TO POS",
+    "CONNECTION CLOSED-ABORTED BY POS",
+};
+
+QString batchCommand(int terminal) { return QStringLiteral("\\/15/%1").arg(terminal) + QString(17, QLatin1Char('/')); }
+
+TEST(TerminalScriptTest, TerminalLinesBecomeRulesInTheirOrder)
+{
+    FaultScript f;
+    QString error;
+    ASSERT_TRUE(f.parse("terminal 3: online\n"
+                        "terminal 1 x2: busy\n"
+                        "terminal 2 always: wait 40 approve APPROVED 0042\n"
+                        "terminal *: decline RECEIVE:WRONG CMD RECEIVED\n"
+                        "terminal 4: nocontact\n"
+                        "terminal 5: wait 12\n"
+                        "terminal 6: approve \"\"\n"
+                        "terminal 1: offline\n"
+                        "card DECLINED BY THE HOST\n"
+                        "card TRANSACTION OK\n",
+                        &error))
+        << qPrintable(error);
+    const std::vector<TerminalRule>& r = f.terminalRules();
+    ASSERT_EQ(r.size(), 10u);
+    EXPECT_EQ(r[0].kind, TerminalRule::Online);
+    EXPECT_EQ(r[0].terminal, 3);
+    EXPECT_EQ(r[1].remaining, 2);
+    EXPECT_FALSE(r[1].outcome.approved);
+    EXPECT_EQ(r[1].outcome.text, "POS IS BUSY");
+    EXPECT_EQ(r[2].remaining, -1);
+    EXPECT_EQ(r[2].outcome.waitSeconds, 40);
+    EXPECT_TRUE(r[2].outcome.approved);
+    EXPECT_EQ(r[2].outcome.text, "APPROVED 0042");
+    EXPECT_EQ(r[3].terminal, 0);
+    EXPECT_EQ(r[3].remaining, 1);
+    EXPECT_EQ(r[3].outcome.text, "RECEIVE:WRONG CMD RECEIVED"); // the colon in the text stays
+    EXPECT_FALSE(r[3].outcome.approved);
+    EXPECT_EQ(r[4].outcome.text, "SEND:TIMEOUT WHILE SEND DATA TO POS");
+    EXPECT_EQ(r[5].outcome.waitSeconds, 12);
+    EXPECT_EQ(r[5].outcome.text, "APPROVED");
+    EXPECT_TRUE(r[6].outcome.text.isEmpty());
+    EXPECT_EQ(r[7].kind, TerminalRule::Offline);
+    // "card" lines: the terminal's own vocabulary says whether money was taken
+    EXPECT_EQ(r[8].terminal, 0);
+    EXPECT_FALSE(r[8].outcome.approved);
+    EXPECT_TRUE(r[9].outcome.approved);
+
+    for (const char* bad : {"terminal 13: busy", "terminal 0: busy", "terminal 1: explode", "terminal 1 x0: busy",
+                            "terminal 1 twice: busy", "terminal 1: decline", "terminal 1: busy now",
+                            "terminal *: online", "terminal 2 x2: offline", "terminal 1: wait soon approve",
+                            "terminal 1 busy"}) {
+        FaultScript refused;
+        EXPECT_FALSE(refused.parse(QStringLiteral("# a comment first\n%1\n").arg(QString::fromUtf8(bad)), &error)) << bad;
+        EXPECT_TRUE(error.startsWith("line 2: ")) << bad << ": " << qPrintable(error);
+    }
+}
+
+TEST(TerminalScriptTest, TheTerminalsVocabularyKnowsEveryRefusalExactly)
+{
+    for (const QString& text : kRefusalTexts)
+        EXPECT_FALSE(TerminalOutcome::ofText(text).approved) << qPrintable(text);
+    EXPECT_FALSE(TerminalOutcome::ofText("SEND:TIMEOUT WHILE SEND DATA TO POS (30s)").approved);
+    for (const char* text : {"APPROVED", "", "pos is busy", "POS IS BUSY NOW", " DECLINED BY THE HOST"})
+        EXPECT_TRUE(TerminalOutcome::ofText(QString::fromUtf8(text)).approved) << text;
+}
+
+class Terminals : public ::testing::Test {
+protected:
+    RegisterMemory memory = RegisterMemory::factory();
+    EcrModel model{memory};
+    QStringList tape;
+
+    void script(const QString& text)
+    {
+        FaultScript f;
+        QString error;
+        ASSERT_TRUE(f.parse(text, &error)) << qPrintable(error);
+        for (const TerminalRule& r : f.terminalRules())
+            model.scriptTerminal(r);
+    }
+    QString send(const QString& command)
+    {
+        const auto o = model.execute(command, QDateTime(QDate(2026, 11, 19), QTime(10, 15)));
+        tape << o.printed;
+        return o.reply.text();
+    }
+    QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
+    // What the driver classifies: the last field but one of the outcome query.
+    QString lastTerminalText()
+    {
+        const QStringList q = fields("5/99/0/ ///1/1/");
+        return q.value(q.size() - 2);
+    }
+};
+
+TEST_F(Terminals, EveryRefusalTextIsTheQuerysLastTextAndTakesNoMoney)
+{
+    send("3/S/ΨΩΜΙ//1.000/4.00/1/24.00/");
+    for (const QString& text : kRefusalTexts) {
+        script(QStringLiteral("terminal 1: decline %1\n").arg(text));
+        tape.clear();
+        EXPECT_EQ(send("5/2/4.00/ΚΑΡΤΑ///1/1/"), "00/00/10/") << qPrintable(text);
+        EXPECT_EQ(lastTerminalText(), text);
+        EXPECT_EQ(fields("9/").value(9), "4.00") << "the balance stays after " << qPrintable(text);
+        EXPECT_EQ(tape, QStringList({"EFT #1 ΑΠΟΡΡΙΦΘΗΚΕ                  4.00", "  " + text}));
+    }
+    tape.clear();
+    EXPECT_EQ(send("5/2/4.00/ΚΑΡΤΑ///1/1/"), "00/00/00/");
+    EXPECT_EQ(lastTerminalText(), "APPROVED");
+    const QStringList q = fields("5/99/0/ ///1/1/");
+    EXPECT_EQ(q.value(3), QString::number(kRefusalTexts.size() + 1));
+    EXPECT_EQ(q.size(), 14 * (kRefusalTexts.size() + 1) + 5);
+    EXPECT_EQ(q.value(q.size() - 7), "00"); // the terminal's response of the approval
+    EXPECT_EQ(q.value(q.size() - 21), "05"); // and of the refusal before it
+    EXPECT_TRUE(tape.contains("  EFT #1 APPROVED"));
+    EXPECT_EQ(tape.filter(QRegularExpression("^  VISA \\*{12}\\d{4}$")).size(), 1);
+    EXPECT_EQ(tape.filter(QRegularExpression("^  ΕΓΚΡΙΣΗ \\d+$")).size(), 1);
+}
+
+TEST_F(Terminals, RulesAnswerTheirTerminalInScriptOrderThenTheTerminalApproves)
+{
+    script("terminal 3: online\n"
+           "terminal 1 x2: busy\n"
+           "terminal 3: nocontact\n"
+           "terminal *: decline DECLINED BY THE HOST\n");
+    EXPECT_EQ(send(",/11/3/"), "00/00/00/1/0.0.0.0/0/EFT POS 3/");
+    send("3/S/ΨΩΜΙ//1.000/10.00/1/24.00/");
+    const QStringList expected = {"SEND:TIMEOUT WHILE SEND DATA TO POS", "POS IS BUSY", "POS IS BUSY",
+                                  "DECLINED BY THE HOST", "APPROVED"};
+    const int terminals[] = {3, 1, 1, 3, 1};
+    for (int i = 0; i < expected.size(); ++i) {
+        send(QStringLiteral("5/2/10.00/ΚΑΡΤΑ///%1/1/").arg(terminals[i]));
+        EXPECT_EQ(lastTerminalText(), expected[i]) << "attempt " << i + 1;
+    }
+    EXPECT_EQ(fields("9/").value(3), "0"); // the approval closed the receipt
+
+    // a terminal taken off the line
+    script("terminal 1: offline\n");
+    EXPECT_EQ(send(",/11/1/").section('/', 3, 3), "0");
+    send("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/");
+    EXPECT_EQ(send("5/2/1.00/ΚΑΡΤΑ///1/1/"), "BC/00/10/");
+    EXPECT_EQ(send("5/2/1.00/ΚΑΡΤΑ///13/1/"), "05/00/10/");
+}
+
+TEST_F(Terminals, TableCardPaymentStaysInClosingUntilTheCardTakesIt)
+{
+    script("terminal 1: decline DECLINED BY THE TERMINAL\n"
+           "terminal 1: nocontact\n");
+    send("&/0/5//////////////");
+    send("3/S/ΜΟΥΣΑΚΑΣ//1.000/9.00/1/13.00/");
+    send("5/1/0.00////");
+    EXPECT_EQ(send("&/1/5//0////////0.00/////"), "00/00/10/");
+    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "C9/00/10/");
+    EXPECT_EQ(lastTerminalText(), "DECLINED BY THE TERMINAL");
+    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "C9/00/10/");
+    EXPECT_EQ(lastTerminalText(), "SEND:TIMEOUT WHILE SEND DATA TO POS");
+    // what the driver sends when the terminal could not be reached
+    EXPECT_EQ(send(")/33/"), "00/00/10/");
+    EXPECT_EQ(send(")/100/"), "00/00/10/");
+    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "00/00/00/");
+    EXPECT_EQ(lastTerminalText(), "APPROVED");
+    EXPECT_EQ(send("&/11/5//0/0///////////"), "00/00/00/0/");
+}
+
+TEST(SlowTerminalTest, TheCardPaymentIsAnsweredAfterTheTerminalsSecondsOnTheSimClock)
+{
+    VirtualClock clock;
+    SimRegister reg({}, clock);
+    ASSERT_TRUE(reg.loadFaults("terminal 1: wait 40 approve\n"));
+    SimTransport t(reg, SimTransport::Wire::Tcp, clock);
+    t.write(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/4.00/1/24.00/"));
+    t.read(2048);
+    const qint64 sent = clock.monotonicMs();
+    t.write(codepage::toWin1253("5/2/4.00/ΚΑΡΤΑ///1/1/"));
+    EXPECT_FALSE(t.waitForData(39000));
+    EXPECT_TRUE(t.waitForData(2000));
+    EXPECT_EQ(t.read(2048), QByteArray("00/00/00/"));
+    EXPECT_EQ(clock.monotonicMs() - sent, 40000);
+    // the next card payment has no rule left: at once
+    t.write(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/4.00/1/24.00/"));
+    t.read(2048);
+    t.write(codepage::toWin1253("5/2/4.00/ΚΑΡΤΑ///1/1/"));
+    EXPECT_TRUE(t.waitForData(0));
+}
+
+TEST(TerminalBatchTest, BatchReportsThePackageSinceTheLastOneAndSurvivesARestart)
+{
+    QTemporaryDir dir;
+    VirtualClock clock;
+    const QString tapePath = dir.filePath("tape.txt");
+    auto send = [&](SimRegister& reg, const QString& command) {
+        return codepage::fromWin1253(reg.handle(codepage::toWin1253(command)).reply);
+    };
+    {
+        SimRegister reg({dir.path(), {}, tapePath, {}, {}}, clock);
+        ASSERT_TRUE(reg.loadFaults("terminal 1 x1: busy\n"));
+        send(reg, "3/S/ΨΩΜΙ//1.000/4.00/1/24.00/");
+        send(reg, "5/2/4.00/ΚΑΡΤΑ///1/1/"); // busy: takes nothing
+        EXPECT_EQ(send(reg, batchCommand(1)), "14/00/10/"); // not with a receipt in hand
+        send(reg, "5/2/4.00/ΚΑΡΤΑ///1/1/");
+        send(reg, "3/S/ΓΑΛΑ//1.000/2.50/1/13.00/");
+        send(reg, "5/2/2.50/ΚΑΡΤΑ///1/1/");
+    }
+    SimRegister reg({dir.path(), {}, tapePath, {}, {}}, clock);
+    // a refused batch, as the guide writes it, leaves the package alone
+    ASSERT_TRUE(reg.loadFaults("/^\\\\\\/15\\// x1: code BB\n"));
+    EXPECT_EQ(send(reg, batchCommand(1)), "BB/00/00/");
+    EXPECT_EQ(send(reg, batchCommand(1)), "00/00/00/2/6.50/");
+    EXPECT_EQ(send(reg, batchCommand(1)), "00/00/00/0/0.00/");
+    EXPECT_EQ(send(reg, batchCommand(2)), "BC/00/00/");
+    EXPECT_EQ(send(reg, batchCommand(13)), "05/00/00/");
+    EXPECT_EQ(send(reg, "\\/15/1////"), "01/00/00/");
+
+    QFile f(tapePath);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const QStringList tape = QString::fromUtf8(f.readAll()).split('\n');
+    EXPECT_EQ(tape.filter(QRegularExpression("^ +ΠΑΚΕΤΟ ΣΥΝΑΛΛΑΓΩΝ EFT #1$")).size(), 2);
+    EXPECT_EQ(tape.filter(QRegularExpression("^ΣΥΝΑΛΛΑΓΕΣ +2$")).size(), 1);
+    EXPECT_EQ(tape.filter(QRegularExpression("^ΣΥΝΟΛΟ +6\\.50$")).size(), 1);
+}
+
+} // namespace
