@@ -34,7 +34,7 @@ RegisterMemory RegisterMemory::factory()
 // an older file instead of misreading it.
 namespace {
 
-constexpr quint32 kMagic = 0x4B455231; // "KER1"
+constexpr quint32 kMagic = 0x4B455232; // "KER2": the day keeps its payments
 
 template <typename T, std::size_t N>
 QDataStream& put(QDataStream& s, const std::array<T, N>& a)
@@ -113,13 +113,15 @@ QDataStream& operator<<(QDataStream& s, const DayFigures& d)
 {
     put(s, d.gross) << d.total << d.receipts << d.voids << d.returns << d.corrections;
     put(s, d.depCountMilli);
-    return put(s, d.depAmount);
+    put(s, d.depAmount);
+    return put(s, d.paymentAmount);
 }
 QDataStream& operator>>(QDataStream& s, DayFigures& d)
 {
     get(s, d.gross) >> d.total >> d.receipts >> d.voids >> d.returns >> d.corrections;
     get(s, d.depCountMilli);
-    return get(s, d.depAmount);
+    get(s, d.depAmount);
+    return get(s, d.paymentAmount);
 }
 
 QDataStream& operator<<(QDataStream& s, const RegisterMemory& m)
