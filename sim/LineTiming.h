@@ -13,10 +13,10 @@ struct TimedBytes {
 };
 
 // A serial cable at a line speed, 10 bits a byte (start, eight data, stop).
-// A pseudo-terminal moves bytes at once; the register takes in what comes
-// only when a cable would have brought it, and lets its answers out one byte
-// at a time at the cable's pace, so a time measured against it reads as one
-// on a cable. Without a line speed every answer goes at once, after its own
+// A pseudo-terminal moves bytes at once; the register answers what comes
+// only from the moment a cable would have brought it, and lets its answers
+// out one byte at a time at the cable's pace, so a time measured against it
+// reads as one on a cable. Without a line speed every answer goes at once, after its own
 // fault delay.
 class LineTiming {
 public:
