@@ -14,14 +14,31 @@ void CommandTable::add(std::initializer_list<const char*> forms, Handler handler
 {
     QString key;
     QSet<int> counts;
+    int longest = 0;
+    bool longestClosed = false;
     for (const char* form : forms) {
-        const QStringList fields = QString::fromUtf8(form).split(QLatin1Char('/'));
+        const QString text = QString::fromUtf8(form);
+        const QStringList fields = text.split(QLatin1Char('/'));
         Q_ASSERT(key.isEmpty() || key == keyOf(fields));
         key = keyOf(fields);
-        counts.insert(static_cast<int>(fields.size()));
+        const int count = static_cast<int>(fields.size());
+        counts.insert(count);
+        if (count > longest) {
+            longest = count;
+            longestClosed = text.endsWith(QLatin1Char('/'));
+        }
     }
     Q_ASSERT(!entries_.contains(key));
-    entries_.insert(key, Entry{counts, std::move(handler)});
+    entries_.insert(key, Entry{counts, longestClosed ? longest : 0, std::move(handler)});
+}
+
+bool CommandTable::isWhole(const QString& text) const
+{
+    if (!text.endsWith(QLatin1Char('/')))
+        return false;
+    const QStringList fields = text.split(QLatin1Char('/'));
+    const auto it = entries_.constFind(keyOf(fields));
+    return it != entries_.constEnd() && it->closedLongest == fields.size();
 }
 
 Reply CommandTable::run(Command& command) const

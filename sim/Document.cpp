@@ -81,6 +81,11 @@ void Document::bookIntoDay(std::array<qint64, capacity::kVatCategories>& byCateg
             d.corrections += -l.amount;
         }
     }
+    for (const PaymentLine& p : m_.receipt.payments)
+        d.paymentAmount[p.number] += p.amount;
+    // The change leaves the drawer from the payment that overpaid: the last.
+    if (!m_.receipt.payments.isEmpty())
+        d.paymentAmount[m_.receipt.payments.last().number] -= m_.receipt.change;
     d.total += total();
     d.receipts += 1;
 }

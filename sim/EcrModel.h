@@ -31,6 +31,9 @@ public:
 
     Outcome execute(const QString& command, const QDateTime& now);
 
+    // The text is a command in one of the forms the register knows, whole.
+    bool isWholeCommand(const QString& text) const { return commands_.isWhole(text.trimmed()); }
+
     // What the card terminal answers to the next card payments, in turn.
     // With nothing queued the terminal approves.
     void queueCardOutcome(const QString& text) { cards_.queueOutcome(text); }

@@ -34,7 +34,7 @@ RegisterMemory RegisterMemory::factory()
 // an older file instead of misreading it.
 namespace {
 
-constexpr quint32 kMagic = 0x4B455232; // "KER2"
+constexpr quint32 kMagic = 0x4B455233; // "KER3": terminal batches, slips and the day's payments
 
 template <typename T, std::size_t N>
 QDataStream& put(QDataStream& s, const std::array<T, N>& a)
@@ -119,13 +119,15 @@ QDataStream& operator<<(QDataStream& s, const DayFigures& d)
 {
     put(s, d.gross) << d.total << d.receipts << d.voids << d.returns << d.corrections;
     put(s, d.depCountMilli);
-    return put(s, d.depAmount);
+    put(s, d.depAmount);
+    return put(s, d.paymentAmount);
 }
 QDataStream& operator>>(QDataStream& s, DayFigures& d)
 {
     get(s, d.gross) >> d.total >> d.receipts >> d.voids >> d.returns >> d.corrections;
     get(s, d.depCountMilli);
-    return get(s, d.depAmount);
+    get(s, d.depAmount);
+    return get(s, d.paymentAmount);
 }
 
 QDataStream& operator<<(QDataStream& s, const RegisterMemory& m)

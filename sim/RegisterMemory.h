@@ -114,6 +114,7 @@ struct DayFigures {
     qint64 corrections = 0;
     std::array<qint64, capacity::kDepartments + 1> depCountMilli{};
     std::array<qint64, capacity::kDepartments + 1> depAmount{};
+    std::array<qint64, capacity::kPayments + 1> paymentAmount{}; // taken, change given back
 };
 
 struct RegisterMemory {

@@ -79,6 +79,8 @@ Reply ReportCommands::lastZFigures() const
         r << money(g);
     r << money(m_.lastZ.total) << QString::number(m_.lastZ.receipts) << QString::number(m_.progressiveAtDayStart)
       << money(m_.lastZ.voids) << money(m_.lastZ.returns) << money(m_.lastZ.corrections);
+    for (int p = 1; p <= capacity::kPayments; ++p)
+        r << money(m_.lastZ.paymentAmount[p]);
     return Reply::ok(r);
 }
 
@@ -93,7 +95,7 @@ Reply ReportCommands::dayStatus() const
 {
     return Reply::ok({QString::number(m_.dayOpen ? 1 : 0), QString::number(m_.receipt.state),
                       QString::number(m_.zNumber), QString::number(m_.dailyNumber), QString::number(m_.progressive),
-                      QStringLiteral("0"), QStringLiteral("0"), m_.modelPrefix + m_.serialDigits, kTin});
+                      money(m_.day.total), QString::number(m_.day.receipts), m_.modelPrefix + m_.serialDigits, kTin});
 }
 
 Reply ReportCommands::department(const Command& c) const
@@ -102,7 +104,8 @@ Reply ReportCommands::department(const Command& c) const
     if (!parseInt(c.field(1), d) || d < 1 || d > capacity::kDepartments)
         return Reply::refuse(devicecode::kWrongDepartment);
     const Department& dep = m_.departments[d];
-    const QString wholeCount = fieldnumbers::quantity(m_.lastZ.depCountMilli[d]).section(QLatin1Char('.'), 0, 0);
+    // The Z counts whole pieces; a weighed part of one is not a piece.
+    const QString wholeCount = QString::number(m_.lastZ.depCountMilli[d] / 1000);
     return Reply::ok({dep.name, QString::number(dep.vat), QString::number(dep.active ? 1 : 0), QStringLiteral("0.00"),
                       QStringLiteral("0"), wholeCount, money(m_.lastZ.depAmount[d])});
 }
@@ -127,6 +130,9 @@ void ReportCommands::printDay(Command& c, const QString& title) const
         if (f.depAmount[d] != 0 || f.depCountMilli[d] != 0)
             c.printed << row(m_.departments[d].name + QStringLiteral(" x") + fieldnumbers::quantity(f.depCountMilli[d]),
                              money(f.depAmount[d]));
+    for (int p = 1; p <= capacity::kPayments; ++p)
+        if (f.paymentAmount[p] != 0)
+            c.printed << row(m_.payments[p].name, money(f.paymentAmount[p]));
     c.printed << row(QStringLiteral("ΑΠΟΔΕΙΞΕΙΣ"), QString::number(f.receipts))
               << row(QStringLiteral("ΑΚΥΡΩΣΕΙΣ"), money(f.voids))
               << row(QStringLiteral("ΕΠΙΣΤΡΟΦΕΣ"), money(f.returns))

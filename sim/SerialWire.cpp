@@ -13,7 +13,10 @@ int SerialWire::checkDigits(const QByteArray& text)
 std::vector<WireChunk> SerialWire::receive(const QByteArray& bytes)
 {
     std::vector<WireChunk> out;
+    int taken = 0;
     for (char ch : bytes) {
+        ++taken;
+        const std::size_t answersBefore = out.size();
         if (ch == kEnq) {
             inFrame_ = false; // a new ENQ abandons a half frame
             if (reg_.answerEnq())
@@ -35,6 +38,9 @@ std::vector<WireChunk> SerialWire::receive(const QByteArray& bytes)
         } else {
             frame_.append(ch);
         }
+        // An answer notes how much of the read was in when it was given.
+        for (std::size_t i = answersBefore; i < out.size(); ++i)
+            out[i].inputBytes = taken;
     }
     return out;
 }

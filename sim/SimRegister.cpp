@@ -85,6 +85,11 @@ SimRegister::Response SimRegister::handle(const QByteArray& raw)
     return out;
 }
 
+bool SimRegister::isWholeCommand(const QByteArray& raw) const
+{
+    return raw.size() <= kMaxCommandBytes && model_.isWholeCommand(win1253::decode(raw));
+}
+
 Reply SimRegister::answer(const QByteArray& raw, const QString& command, int faultCode, int& replyAfterMs)
 {
     if (raw.size() > kMaxCommandBytes)
@@ -117,6 +122,14 @@ void SimRegister::print(const QStringList& lines)
 
 void SimRegister::persist()
 {
-    if (!options_.stateDir.isEmpty() && !statestore::save(options_.stateDir, memory_, &lastError_))
+    if (options_.stateDir.isEmpty())
+        return;
+    // A query changes nothing: no write, no wait for the disk before the reply.
+    QByteArray image = statestore::image(memory_);
+    if (image == savedImage_)
+        return;
+    if (statestore::saveImage(options_.stateDir, image, &lastError_))
+        savedImage_ = std::move(image);
+    else
         qWarning("kerbano-ecr-sim: %s", qPrintable(lastError_));
 }

@@ -37,6 +37,8 @@ public:
 
     // One command as it came off the wire (Windows-1253, no framing).
     Response handle(const QByteArray& command);
+    // The bytes hold a whole command the register knows (see EcrModel).
+    bool isWholeCommand(const QByteArray& command) const;
     // A frame whose check digits were wrong: journalled, not executed.
     void noteBadFrame(const QByteArray& frame);
     // False when the fault script keeps the next ENQ unanswered.
@@ -62,4 +64,5 @@ private:
     int received_ = 0;
     QString lastCommand_;
     QString lastError_;
+    QByteArray savedImage_; // what the memory file holds
 };

@@ -34,16 +34,24 @@ bool load(const QString& dir, RegisterMemory& memory, QString* error)
     return true;
 }
 
-bool save(const QString& dir, const RegisterMemory& memory, QString* error)
+QByteArray image(const RegisterMemory& memory)
 {
     QByteArray bytes;
-    {
-        QBuffer buf(&bytes);
-        buf.open(QIODevice::WriteOnly);
-        QDataStream s(&buf);
-        s.setVersion(QDataStream::Qt_6_0);
-        s << memory;
-    }
+    QBuffer buf(&bytes);
+    buf.open(QIODevice::WriteOnly);
+    QDataStream s(&buf);
+    s.setVersion(QDataStream::Qt_6_0);
+    s << memory;
+    return bytes;
+}
+
+bool save(const QString& dir, const RegisterMemory& memory, QString* error)
+{
+    return saveImage(dir, image(memory), error);
+}
+
+bool saveImage(const QString& dir, const QByteArray& bytes, QString* error)
+{
     QDir().mkpath(dir);
     const QByteArray finalPath = QFile::encodeName(filePath(dir));
     const QByteArray tmpPath = finalPath + ".tmp";

@@ -13,4 +13,8 @@ QString filePath(const QString& dir);
 bool load(const QString& dir, RegisterMemory& memory, QString* error = nullptr);
 bool save(const QString& dir, const RegisterMemory& memory, QString* error = nullptr);
 
+// The memory as the file holds it, and a save of such an image.
+QByteArray image(const RegisterMemory& memory);
+bool saveImage(const QString& dir, const QByteArray& bytes, QString* error = nullptr);
+
 } // namespace statestore

@@ -7,4 +7,5 @@ struct WireChunk {
     int afterMs = 0;
     QByteArray bytes;
     bool dropAfter = false; // TCP: close the connection once this is out
+    int inputBytes = 0;     // serial: bytes of the read taken in when this was answered
 };

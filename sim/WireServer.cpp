@@ -17,7 +17,6 @@
 
 namespace {
 constexpr int kReadChunk = 4096;
-constexpr int kBitsPerByte = 10; // start, eight data, stop
 
 void setNonBlocking(int fd) { ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK); }
 } // namespace
@@ -60,7 +59,7 @@ bool WireServer::openPty(const QString& linkPath, int baud, QString* error)
         return false;
     }
     ptyLink_ = linkPath;
-    baud_ = baud;
+    serialLine_ = LineTiming(baud);
     return true;
 }
 
@@ -83,20 +82,9 @@ bool WireServer::listenTcp(const QString& host, quint16 port, QString* error)
     return true;
 }
 
-void WireServer::queue(std::deque<Pending>& q, const std::vector<WireChunk>& chunks, int baud)
+void WireServer::queue(Pending& q, const std::vector<TimedBytes>& timed)
 {
-    const qint64 now = clock_.monotonicMs();
-    for (const WireChunk& c : chunks) {
-        if (baud <= 0 || c.bytes.size() <= 1) {
-            q.push_back({now + c.afterMs, c.bytes, c.dropAfter});
-            continue;
-        }
-        // Paced at the line speed: each byte leaves when the last has gone.
-        for (int i = 0; i < c.bytes.size(); ++i) {
-            const qint64 due = now + c.afterMs + (static_cast<qint64>(i) * kBitsPerByte * 1000) / baud;
-            q.push_back({due, c.bytes.mid(i, 1), c.dropAfter && i == c.bytes.size() - 1});
-        }
-    }
+    q.insert(q.end(), timed.begin(), timed.end());
 }
 
 void WireServer::closeClient()
@@ -104,15 +92,15 @@ void WireServer::closeClient()
     if (clientFd_ >= 0)
         ::close(clientFd_);
     clientFd_ = -1;
-    tcpBuffer_.clear();
+    tcp_.clear();
     tcpOut_.clear();
 }
 
-void WireServer::flush(std::deque<Pending>& q, int fd, bool tcp)
+void WireServer::flush(Pending& q, int fd, bool tcp)
 {
     const qint64 now = clock_.monotonicMs();
     while (!q.empty() && q.front().dueMs <= now) {
-        const Pending p = q.front();
+        const TimedBytes p = q.front();
         q.pop_front();
         if (!p.bytes.isEmpty() && fd >= 0) {
             qint64 done = 0;
@@ -138,6 +126,24 @@ void WireServer::flush(std::deque<Pending>& q, int fd, bool tcp)
     }
 }
 
+qint64 WireServer::pollTimeoutMs() const
+{
+    const qint64 now = clock_.monotonicMs();
+    qint64 timeout = -1;
+    auto consider = [&](qint64 due) {
+        if (due < 0)
+            return;
+        const qint64 wait = qMax<qint64>(0, due - now);
+        timeout = timeout < 0 ? wait : qMin(timeout, wait);
+    };
+    if (!serialOut_.empty())
+        consider(serialOut_.front().dueMs);
+    if (!tcpOut_.empty())
+        consider(tcpOut_.front().dueMs);
+    consider(tcp_.quietDeadlineMs());
+    return timeout;
+}
+
 void WireServer::run()
 {
     for (;;) {
@@ -149,20 +155,7 @@ void WireServer::run()
         else if (listenFd_ >= 0)
             fds.push_back({listenFd_, POLLIN, 0});
 
-        const qint64 now = clock_.monotonicMs();
-        qint64 timeout = -1;
-        auto consider = [&](qint64 due) {
-            const qint64 wait = qMax<qint64>(0, due - now);
-            timeout = timeout < 0 ? wait : qMin(timeout, wait);
-        };
-        if (!serialOut_.empty())
-            consider(serialOut_.front().dueMs);
-        if (!tcpOut_.empty())
-            consider(tcpOut_.front().dueMs);
-        if (!tcpBuffer_.isEmpty())
-            consider(tcpLastByteMs_ + TcpWire::kQuietMs);
-
-        const int ready = ::poll(fds.data(), fds.size(), static_cast<int>(timeout));
+        const int ready = ::poll(fds.data(), fds.size(), static_cast<int>(pollTimeoutMs()));
         if (ready < 0 && errno != EINTR)
             return;
         for (const pollfd& p : fds) {
@@ -174,23 +167,23 @@ void WireServer::run()
             }
             char buf[kReadChunk];
             const ssize_t n = ::read(p.fd, buf, sizeof buf);
+            const qint64 now = clock_.monotonicMs();
             if (p.fd == ptyMaster_) {
-                if (n > 0)
-                    queue(serialOut_, serial_.receive(QByteArray(buf, static_cast<int>(n))), baud_);
+                if (n > 0) {
+                    const QByteArray bytes(buf, static_cast<int>(n));
+                    queue(serialOut_, serialLine_.schedule(now, bytes.size(), serial_.receive(bytes)));
+                }
                 continue;
             }
             if (n <= 0) { // the client went away
                 closeClient();
                 continue;
             }
-            tcpBuffer_.append(buf, static_cast<int>(n));
-            tcpLastByteMs_ = clock_.monotonicMs();
+            const QByteArray bytes(buf, static_cast<int>(n));
+            queue(tcpOut_, tcpLine_.schedule(now, bytes.size(), tcp_.receive(bytes, now)));
         }
-        if (!tcpBuffer_.isEmpty() && clock_.monotonicMs() >= tcpLastByteMs_ + TcpWire::kQuietMs) {
-            const QByteArray command = tcpBuffer_;
-            tcpBuffer_.clear();
-            queue(tcpOut_, tcp_.command(command), 0);
-        }
+        const qint64 now = clock_.monotonicMs();
+        queue(tcpOut_, tcpLine_.schedule(now, 0, tcp_.whenQuiet(now)));
         flush(serialOut_, ptyMaster_, false);
         flush(tcpOut_, clientFd_, true);
     }

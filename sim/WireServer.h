@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LineTiming.h"
 #include "SerialWire.h"
 #include "TcpWire.h"
 
@@ -24,27 +25,23 @@ public:
     void run();
 
 private:
-    struct Pending {
-        qint64 dueMs;
-        QByteArray bytes;
-        bool dropAfter;
-    };
-    void queue(std::deque<Pending>& q, const std::vector<WireChunk>& chunks, int baud);
-    void flush(std::deque<Pending>& q, int fd, bool tcp);
+    using Pending = std::deque<TimedBytes>;
+    void queue(Pending& q, const std::vector<TimedBytes>& timed);
+    void flush(Pending& q, int fd, bool tcp);
     void closeClient();
+    qint64 pollTimeoutMs() const;
 
     SimRegister& reg_;
     Clock& clock_;
     SerialWire serial_;
     TcpWire tcp_;
+    LineTiming serialLine_;
+    LineTiming tcpLine_; // no pacing: the network is taken as instant
     int ptyMaster_ = -1;
     int ptySlave_ = -1;
     QString ptyLink_;
-    int baud_ = 0;
     int listenFd_ = -1;
     int clientFd_ = -1;
-    QByteArray tcpBuffer_;
-    qint64 tcpLastByteMs_ = 0;
-    std::deque<Pending> serialOut_;
-    std::deque<Pending> tcpOut_;
+    Pending serialOut_;
+    Pending tcpOut_;
 };

@@ -28,7 +28,9 @@ int main(int argc, char** argv)
                                  QStringLiteral("Make a pseudo-terminal and link its slave at PATH (serial protocol). "
                                                 "Without --tcp, only the pseudo-terminal is served."),
                                  QStringLiteral("PATH"));
-    const QCommandLineOption baud(QStringLiteral("baud"), QStringLiteral("With --pty, pace reply bytes at N baud."),
+    const QCommandLineOption baud(QStringLiteral("baud"),
+                                  QStringLiteral("With --pty, time the line at N baud: a frame is taken in and its reply "
+                                                 "let out as a cable at that speed would carry them."),
                                   QStringLiteral("N"));
     const QCommandLineOption state(QStringLiteral("state"),
                                    QStringLiteral("Keep the register's memory in DIR across runs (crash-safe writes)."),
@@ -57,6 +59,8 @@ int main(int argc, char** argv)
     o.modelPrefix = p.value(model);
     o.serialDigits = p.value(serial);
     SimRegister reg(o, clock);
+    if (!reg.lastError().isEmpty())
+        std::fprintf(stderr, "kerbano-ecr-sim: %s; starting from the factory memory\n", qPrintable(reg.lastError()));
 
     if (p.isSet(faults)) {
         QFile f(p.value(faults));

@@ -1,7 +1,9 @@
 #include "FaultScript.h"
+#include "LineTiming.h"
 #include "SerialWire.h"
 #include "SimRegister.h"
 #include "SimTransport.h"
+#include "TcpWire.h"
 #include "shell/Clock.h"
 #include "shell/CodePage.h"
 
@@ -50,6 +52,90 @@ TEST(SerialWireTest, AnswersEnqFramesAndNacksWrongDigitsAmidNoise)
     EXPECT_EQ(reg.commandsReceived(), 1); // the bad frame and the flood executed nothing
     t.write(frame(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/")));
     EXPECT_EQ(t.read(255), QByteArray("\x02" "00/00/10/" "\x03"));
+}
+
+TEST(TcpWireTest, KnowsAWholeCommandByTheLongestFormOfItsCodeClosedByItsSlash)
+{
+    VirtualClock clock;
+    SimRegister reg({}, clock);
+    for (const char* whole : {"?/", "a/", "d/3/", "3/S/ΚΑΦΕΣ//1.000/2.00/1/24.00/", "5/1/6.50/ΜΕΤΡΗΤΑ//////",
+                              "x/1/1/99999/", "&/11/4//0/0///////////"})
+        EXPECT_TRUE(reg.isWholeCommand(codepage::toWin1253(QString::fromUtf8(whole)))) << whole;
+    for (const char* open : {"d/3", "I/0/0", "I/0/", "5/1/0.00////", "x/2/1/", "3/S/ΚΑΦΕΣ//1.000/2.00/1/", "?/?/",
+                             "Q/", "&/11/4//0/0//////////"})
+        EXPECT_FALSE(reg.isWholeCommand(codepage::toWin1253(QString::fromUtf8(open)))) << open;
+}
+
+TEST(TcpWireTest, AnswersAWholeCommandAtOnceAndWaitsForQuietOnlyWhereItCannotTell)
+{
+    VirtualClock clock;
+    SimRegister reg({}, clock);
+    TcpWire wire(reg);
+    auto receive = [&](const QString& text) { return wire.receive(codepage::toWin1253(text), clock.monotonicMs()); };
+
+    std::vector<WireChunk> out = receive("a/");
+    ASSERT_EQ(out.size(), 1u);
+    EXPECT_EQ(out[0].afterMs, 0);
+    EXPECT_EQ(out[0].bytes, QByteArray("00/00/00/00012345/1/DNT/"));
+    EXPECT_EQ(wire.quietDeadlineMs(), -1); // nothing held, no quiet to wait for
+    EXPECT_EQ(receive("?/\r\n").size(), 1u); // as a terminal user types it
+
+    // a command in two segments is answered with its last slash
+    EXPECT_TRUE(receive("3/S/ΚΑΦΕΣ//1.000/2.").empty());
+    EXPECT_EQ(wire.quietDeadlineMs(), clock.monotonicMs() + TcpWire::kQuietMs);
+    clock.advance(5);
+    out = receive("00/1/24.00/");
+    ASSERT_EQ(out.size(), 1u);
+    EXPECT_EQ(out[0].bytes, QByteArray("00/00/10/"));
+    EXPECT_EQ(clock.monotonicMs(), 5);
+
+    // "d/3" could still become "d/31/": the quiet decides
+    EXPECT_TRUE(receive("d/3").empty());
+    clock.advance(TcpWire::kQuietMs - 1);
+    EXPECT_TRUE(wire.whenQuiet(clock.monotonicMs()).empty());
+    clock.advance(1);
+    out = wire.whenQuiet(clock.monotonicMs());
+    ASSERT_EQ(out.size(), 1u);
+    EXPECT_EQ(codepage::fromWin1253(out[0].bytes).split('/').value(3), "ΤΜΗΜΑ 3");
+    EXPECT_EQ(wire.quietDeadlineMs(), -1);
+}
+
+TEST(LineTimingTest, AtTheLineSpeedARepliesLastByteLandsWhenACableWouldHaveCarriedFrameAndReply)
+{
+    LineTiming line(9600); // 1041.7 us a byte
+    EXPECT_EQ(line.wireUs(6), 6250);
+
+    const std::vector<TimedBytes> ack = line.schedule(0, 1, {{0, "\x06", false, 1}});
+    ASSERT_EQ(ack.size(), 1u);
+    EXPECT_EQ(ack[0].dueMs, 3); // the ENQ in and the ACK out: 2.08 ms
+
+    // the "?/" frame, 6 bytes written at 50 ms, and its 11-byte reply: 17 bytes on the cable
+    const QByteArray reply("\x02" "00/00/00/" "\x03");
+    const std::vector<TimedBytes> out = line.schedule(50, 6, {{0, reply, false, 6}});
+    ASSERT_EQ(out.size(), 11u);
+    EXPECT_EQ(out.front().dueMs, 58); // 50 + 6.25 + 1.04
+    EXPECT_EQ(out.back().dueMs, 68);  // 50 + 17.71
+    QByteArray joined;
+    for (const TimedBytes& b : out)
+        joined += b.bytes;
+    EXPECT_EQ(joined, reply);
+
+    // a frame written in two pieces at once queues on the line as one; a late reply
+    // (fault) counts from the frame's landing, its second half waits for the first
+    LineTiming split(9600);
+    EXPECT_TRUE(split.schedule(100, 3, {}).empty());
+    const std::vector<TimedBytes> late = split.schedule(100, 3, {{500, "AB", false, 3}, {501, "C", false, 3}});
+    ASSERT_EQ(late.size(), 3u);
+    EXPECT_EQ(late[0].dueMs, 608); // 100 + 6.25 + 500 + 1.04
+    EXPECT_EQ(late[1].dueMs, 609);
+    EXPECT_EQ(late[2].dueMs, 610); // not 609: the line is still busy with "B"
+
+    // without a line speed an answer goes whole, after its own delay
+    LineTiming instant;
+    const std::vector<TimedBytes> whole = instant.schedule(100, 6, {{20, reply, false, 6}});
+    ASSERT_EQ(whole.size(), 1u);
+    EXPECT_EQ(whole[0].dueMs, 120);
+    EXPECT_EQ(whole[0].bytes, reply);
 }
 
 TEST(SimTransportTest, IdleReadRunsTheClockAndTcpRepliesArePlain)
