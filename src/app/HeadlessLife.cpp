@@ -52,5 +52,8 @@ int runHeadless(const Arguments& args)
         if (started && !engine.hasEnded() && !engine.commandLineLife() && !engine.parametersRead())
             QCoreApplication::exit(kExitNoParamFile);
     });
-    return QCoreApplication::exec();
+    const int code = QCoreApplication::exec();
+    // A Z file's mail still on its way is told before the life ends.
+    driver.zMail().waitForOutcomes();
+    return code;
 }

@@ -276,9 +276,14 @@ void FPrinterOperations::dailyZ()
         send(dc::StatusProbe(), poll != kZPolls - 1);
         if (state_.LastStatus == 0)
             break;
+        // Each unanswered poll moves the indicator short of its end.
+        progress_.setValue(static_cast<qint16>((poll + 1) * (kZProgressMax - 1) / kZPolls));
     }
-    if (state_.LastStatus != 0)
+    if (state_.LastStatus != 0) {
+        // The transfer never ended: nothing of it shows as done.
+        progress_.setValue(0);
         return;
+    }
 
     progress_.setValue(progress_.Max());
     const qint32 result = tables_->clearOrderStore();

@@ -33,9 +33,16 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     , printer_(link_, engine_.receiptState(), engine_.moduleVariables(), person, form,
                engine_.progress(), workFile(kPayEftFile))
     , reports_(link_, printer_, engine_.receiptState(), engine_.moduleVariables(), form)
+    , zMail_(person, clock, engine_.moduleVariables(), orCurrent(options_.programDirectory))
+    , zFile_(link_, engine_.receiptState(), engine_.moduleVariables(), form, person, engine_.progress(),
+             orCurrent(options_.programDirectory))
+    , taxServer_(link_, person, engine_.moduleVariables())
     , actions_(form, person, engine_.moduleVariables(), *this)
 {
     printer_.setCardRoads(cards_);
+    zMail_.setFailureLog([this](const QString& failure) { log_.PrintCombine(failure); });
+    zFile_.setMail(&zMail_);
+    reports_.setAfterDailyZ([this] { zFile_.Zfile(); });
     engine_.attach(link_, printer_, *this, *this);
     QObject::connect(&engine_, &Engine::freed, &actions_, &ActionRegistry::runWaiting,
                      Qt::QueuedConnection);

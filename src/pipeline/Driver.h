@@ -10,6 +10,9 @@
 #include "pipeline/JobParts.h"
 #include "pipeline/StartParts.h"
 #include "reports/ReportRun.h"
+#include "reports/TaxServerSetup.h"
+#include "reports/ZFileRun.h"
+#include "reports/ZMail.h"
 #include "shell/CommunicationLog.h"
 
 #include <QString>
@@ -40,6 +43,11 @@ public:
     DeviceSession& link() { return link_; }
     FPrinterOperations& printer() { return printer_; }
     ReportRun& reports() { return reports_; }
+    ZFileRun& zFile() { return zFile_; }
+    ZMail& zMail() { return zMail_; }
+    // The window frmsvr of the GUI; without one the tax server setup asks
+    // through the Operator. It is called on the engine's thread.
+    void setTaxServerWindow(TaxServerWindow* window) { taxServerWindow_ = window; }
     CommunicationLog& log() { return log_; }
     ActionRegistry& actions() { return actions_; }
 
@@ -72,5 +80,9 @@ private:
     UnavailableCardRoads cards_;
     FPrinterOperations printer_;
     ReportRun reports_;
+    ZMail zMail_;
+    ZFileRun zFile_;
+    TaxServerSetup taxServer_;
+    TaxServerWindow* taxServerWindow_ = nullptr;
     ActionRegistry actions_;
 };

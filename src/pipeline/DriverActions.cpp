@@ -10,6 +10,11 @@ void Driver::wireMenuActions()
     actions_.setHandler(QStringLiteral("zrep021"), [this] { reports_.dailyZ(); });
     // The period Z has no action, in the menu as from the command line.
     actions_.setHandler(QStringLiteral("zrep521"), [] {});
+    actions_.setHandler(QStringLiteral("Zfile"), [this] { zFile_.Zfile(); });
+    actions_.setHandler(QStringLiteral("basic_programming"), [this] {
+        OperatorTaxServerWindow asked(person_);
+        taxServer_.run(taxServerWindow_ ? *taxServerWindow_ : static_cast<TaxServerWindow&>(asked));
+    });
     actions_.setHandler(QStringLiteral("xrep_table_summary"), [this] { reports_.tablesSummary(); });
     actions_.setHandler(QStringLiteral("xrep_table_detail"), [this] { reports_.tablesDetail(); });
     actions_.setHandler(QStringLiteral("mZREp"), [this] {

@@ -39,9 +39,16 @@ void ReportRun::statisticsX()
     runOperation(QStringLiteral("6X"), {kXRunning, kXFinished, kXReady});
 }
 
+bool ZFileFollowsZ(const ModuleVariables& vars)
+{
+    return vars.ZeMail == 1 || !vars.eMail.trimmed().isEmpty();
+}
+
 void ReportRun::dailyZ()
 {
     runOperation(QStringLiteral("0Z"), {kZRunning, kZFinished, kZReady});
+    if (afterDailyZ_ && ZFileFollowsZ(vars_))
+        afterDailyZ_();
 }
 
 void ReportRun::tablesSummary()

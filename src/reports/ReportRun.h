@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 class DeviceLink;
 class FPrinter;
@@ -19,9 +20,13 @@ public:
 
     void financialX();  // xrep0
     void statisticsX(); // xrep5
-    void dailyZ();      // zrep021
+    void dailyZ();      // zrep021, then the Z file when one follows every Z
     void tablesSummary();
     void tablesDetail();
+
+    // What follows a daily Z when [ZeMail  ] is 1 or a receiver is set: the
+    // action Zfile, which opens the link again.
+    void setAfterDailyZ(std::function<void()> action) { afterDailyZ_ = std::move(action); }
 
 private:
     struct Texts {
@@ -39,4 +44,8 @@ private:
     ReceiptState& receipt_;
     ModuleVariables& vars_;
     FormModel& form_;
+    std::function<void()> afterDailyZ_;
 };
+
+// A Z file follows every Z: [ZeMail  ] is 1, or a receiver of the mail is set.
+bool ZFileFollowsZ(const ModuleVariables& vars);

@@ -6,6 +6,7 @@
 #include "shell/Operator.h"
 
 #include <QDir>
+#include <QEventLoop>
 
 namespace {
 const QString kBodyBeforeNumber = QStringLiteral("Βρείτε συνυμμένο το αρχείο του 'Ζ' με αριθμό ");
@@ -54,6 +55,17 @@ bool ZMail::send(const QString& address, const QString& zNumber)
         return false;
     sender_.start(BuildZMail(address, zNumber, programDirectory_, clock_));
     return true;
+}
+
+void ZMail::waitForOutcomes()
+{
+    // Outcomes arrive through this thread's events, so pending() cannot
+    // change between the look and the wait.
+    while (sender_.pending() > 0) {
+        QEventLoop loop;
+        connect(&sender_, &MailSender::finished, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
 }
 
 void ZMail::onFinished(int status, const QString& failure)

@@ -38,6 +38,10 @@ public:
     // False when the trimmed address is empty: no mail and no message.
     bool send(const QString& address, const QString& zNumber);
 
+    // Runs this thread's event loop until every mail started has told its
+    // outcome, so a life that ends after a Z does not leave a failure unseen.
+    void waitForOutcomes();
+
     // Each failure also goes here with its reason (the communication log).
     void setFailureLog(std::function<void(const QString&)> log) { failureLog_ = std::move(log); }
 

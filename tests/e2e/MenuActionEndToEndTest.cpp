@@ -70,11 +70,11 @@ TEST_F(MenuActionEndToEnd, TheFinancialXRunsTheReportAndLeavesTheReadyTextOnTheD
 TEST_F(MenuActionEndToEnd, AnActionNotYetBuiltSaysSoEndsNonZeroAndLeavesTheRegisterAlone)
 {
     // The answer is the option's own, never the system's command line.
-    const KerbanoRun zfile = run({QStringLiteral("--run"), QStringLiteral("Zfile"), QStringLiteral("--answer"),
+    const KerbanoRun zfile = run({QStringLiteral("--run"), QStringLiteral("help_text"), QStringLiteral("--answer"),
                                   QStringLiteral("2")});
     ASSERT_TRUE(zfile.finished);
     EXPECT_EQ(zfile.exitCode, 3);
-    EXPECT_TRUE(QString::fromUtf8(zfile.err).contains(QStringLiteral("Η λειτουργία Αρχείο 'Ζ' δεν είναι ακόμη διαθέσιμη.")))
+    EXPECT_TRUE(QString::fromUtf8(zfile.err).contains(QStringLiteral("Η λειτουργία Ρυθμίσεις δεν είναι ακόμη διαθέσιμη.")))
         << zfile.err.toStdString();
     EXPECT_TRUE(zfile.out.isEmpty()) << zfile.out.toStdString();
     EXPECT_TRUE(sim.journalCommands().isEmpty());

@@ -133,3 +133,45 @@ TEST(CardQueries, TransactionsAreFourteenFieldsEachAndTheLastTextClosesTheReply)
 }
 
 } // namespace
+
+#include "protocol/ZFileQueries.h"
+
+TEST(ZFileQueries, AmountsAreReadAtTwoDecimalsWhicheverMarkAndJunkIsNoAmount)
+{
+    for (const QLocale& locale : {kGreek, kEnglish}) {
+        EXPECT_EQ(zfile::ReadAmountField(" 1234.565 ", locale), 1234.57);
+        EXPECT_EQ(zfile::ReadAmountField("12,40", locale), 12.4);
+        EXPECT_EQ(zfile::ReadAmountField("-0.004", locale), 0.0);
+        EXPECT_EQ(zfile::ReadAmountField("", locale), 0.0);
+        EXPECT_FALSE(zfile::ReadAmountField("ΣΦΑΛΜΑ", locale).has_value());
+    }
+}
+
+TEST(ZFileQueries, ReadersWantEveryFieldTheyNameAndNothingFromARefusal)
+{
+    EXPECT_EQ(zfile::DepartmentTotalsQuery{7}.command(), "d/7/");
+    const auto dep = zfile::DepartmentTotalsQuery{7, kEnglish}.read(
+        answer("00/00/00/ΑΝΑΨΥΚΤΙΚΑ ΚΑΙ ΧΥΜΟΙ ΦΡΕΣΚΟΙ/2/1/0.00/0/-3/-7.50/"));
+    ASSERT_TRUE(dep.has_value());
+    EXPECT_EQ(dep->name, "ΑΝΑΨΥΚΤΙΚΑ ΚΑΙ ΧΥΜΟΙ"); // cut to 20
+    EXPECT_EQ(dep->count, -3);
+    EXPECT_EQ(dep->amount, -7.5);
+    EXPECT_EQ(dep->vatIndex, 2);
+    // The slash that closes a reply is no field: field 9 is missing here.
+    EXPECT_FALSE(zfile::DepartmentTotalsQuery{7}.read(answer("00/00/00/Α/2/1/0.00/0/3/")).has_value());
+    EXPECT_FALSE(zfile::DepartmentTotalsQuery{7}.read(kRefused).has_value());
+
+    const auto id = zfile::PosIdentityQuery{}.read(answer("00/00/00/12345678/1/TEC/"));
+    ASSERT_TRUE(id.has_value());
+    EXPECT_EQ(id->serial, "TEC12345678");
+    EXPECT_EQ(id->posNumber, "1");
+
+    const auto z = zfile::LastZQuery{}.read(answer("00/00/00/5/120/ 42/125/"));
+    ASSERT_TRUE(z.has_value());
+    EXPECT_EQ(z->text, "42");
+    EXPECT_EQ(z->number, 42);
+    EXPECT_FALSE(zfile::LastZQuery{}.read(answer("00/00/00/5/120/-1/125/")).has_value());
+
+    EXPECT_EQ(zfile::DayStatusQuery{}.read(answer("00/00/00/0/0/7/0/125/0.00/0/TEC1/9/")), QStringLiteral("TEC1"));
+    EXPECT_FALSE(zfile::ZStampQuery{}.read(answer("00/00/00/03-01-2026/")).has_value());
+}

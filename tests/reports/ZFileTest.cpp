@@ -1,0 +1,221 @@
+#include "reports/ZFile.h"
+
+#include "PrintQString.h"
+#include "ScriptedLink.h"
+#include "records/ReceiptState.h"
+#include "shell/CodePage.h"
+#include "shell/FormModel.h"
+#include "shell/ProgressIndicator.h"
+
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QLocale kPointLocale(QLocale::English, QLocale::UnitedStates);
+const QLocale kGreek(QLocale::Greek, QLocale::Greece);
+
+// A register's answers to the Z file's queries after a day of three receipts.
+QHash<QString, QString> dayReplies()
+{
+    QHash<QString, QString> r;
+    r["e/"] = "00/00/00/24.00/13.00/6.00/0.00/17.00/";
+    // Category D books a rounding leftover that reads as nothing; returns a negative zero.
+    r["0/"] = "00/00/00/124.00/113.00/0.00/-0.004/0.00/237.00/3/118/5.50/-0.00/12.40/237.00/0.00/";
+    r["i/"] = "00/00/00/5/120/7/125/";
+    r["t/"] = "00/00/00/03-01-2026/231507/";
+    for (int n = 1; n <= 20; ++n)
+        r[QStringLiteral("d/%1/").arg(n)] = "00/00/00//1/1/0.00/0/0/0.00/";
+    r["d/1/"] = "00/00/00/ΨΩΜΙ/2/1/0.00/0/12/113.00/";
+    r["d/2/"] = "00/00/00/    /3/1/0.00/0/0/0.00/";
+    r["d/3/"] = "00/00/00/ABCDEFGHIJKLMNOPQRST/1/1/0.00/0/-1/-4.50/";
+    r["d/4/"] = "00/00/00/ ΚΑΦΕΣ ΕΛΛΗΝΙΚΟΣ ΔΙΠΛΟΣ/5/1/0.00/0/3/7.50/";
+    r["a/"] = "00/00/00/12345678/1/TEC/";
+    r["s/"] = "00/00/00/0/0/7/0/125/0.00/0/TEC12345678/999999999/";
+    return r;
+}
+
+const char* const kDayFile =
+    " POS ,  1,TEC12345678,TEC12345678\r\n"
+    " REP ,   7,03-01-2026,2315\r\n"
+    " VAT ,001,   A, 24.000,        124.00,        100.00,         24.00\r\n"
+    " VAT ,002,   B, 13.000,        113.00,        100.00,         13.00\r\n"
+    " VAT ,003,   C,  6.000,          0.00,          0.00,          0.00\r\n"
+    " VAT ,004,   D,  0.000,          0.00,          0.00,          0.00\r\n"
+    " VAT ,005,   E, 17.000,          0.00,          0.00,          0.00\r\n"
+    " DEP ,001, ΨΩΜΙ                ,      12.000,         113.00,2\r\n"
+    " DEP ,003, ABCDEFGHIJKLMNOPQRST,      -1.000,          -4.50,1\r\n"
+    " DEP ,004,  ΚΑΦΕΣ ΕΛΛΗΝΙΚΟΣ ΔΙΠ,       3.000,           7.50,5\r\n"
+    " REC ,          3,        118\r\n"
+    " TOT ,        237.00\r\n"
+    " VOI ,          5.50\r\n"
+    " RET ,          0.00\r\n"
+    " COR ,         12.40\r\n"
+    " ROA ,          0.00\r\n"
+    " PO  ,          0.00\r\n";
+
+class ZFileTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    ScriptedLink link;
+    ReceiptState receipt;
+    FormModel form;
+    clsind progress{form};
+    QHash<QString, QString> replies = dayReplies();
+    QHash<QString, qint16> refusals;
+    QList<qint16> progressSeen;
+
+    void SetUp() override
+    {
+        link.responder = [this](const QString& command, ScriptedLink::Answer& answer) {
+            answer = {refusals.value(command, 0), replies.value(command, "06/00/00/")};
+            return true;
+        };
+        QObject::connect(&form, &FormModel::stateChanged,
+                         [this](const FormState& s) { progressSeen << s.progressValue; });
+    }
+
+    int build(const QLocale& locale = kPointLocale)
+    {
+        ZFile zfile(link, receipt, progress, dir.path(), locale);
+        const int result = zfile.BuildZFile();
+        lastNumber = zfile.ZFileNumber();
+        lastFault = zfile.fault();
+        lastFailure = zfile.failure();
+        return result;
+    }
+
+    QByteArray fileBytes(const QString& name) const
+    {
+        QFile f(dir.filePath("Zfiles/" + name));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+
+    QString lastNumber;
+    ZFile::Fault lastFault = ZFile::Fault::None;
+    QString lastFailure;
+};
+
+} // namespace
+
+TEST_F(ZFileTest, TheDaysFiguresAreWrittenByteForByteInTheCodePageWithCrLf)
+{
+    ASSERT_EQ(build(), -1);
+    EXPECT_EQ(fileBytes("Z0007.out"), codepage::toWin1253(QString::fromUtf8(kDayFile)));
+    EXPECT_EQ(lastNumber, "7");
+
+    // Twenty-six quiet queries in the order of the file, and nothing else.
+    QStringList expected{"e/", "0/", "i/", "t/"};
+    for (int n = 1; n <= 20; ++n)
+        expected << QStringLiteral("d/%1/").arg(n);
+    expected << "a/" << "s/";
+    EXPECT_EQ(link.commands(), expected);
+    EXPECT_EQ(link.sent.size(), ZFile::kQueries);
+    for (const auto& s : link.sent)
+        EXPECT_TRUE(s.quiet) << s.command.toStdString();
+
+    // The indicator: 0, one step for each of the first four and each
+    // department, then 45 after the last query.
+    QList<qint16> steps;
+    for (qint16 v : progressSeen)
+        if (steps.isEmpty() || steps.last() != v)
+            steps << v;
+    QList<qint16> expectedSteps;
+    for (qint16 v = 0; v <= 24; ++v)
+        expectedSteps << v;
+    expectedSteps << 45;
+    EXPECT_EQ(steps, expectedSteps);
+    EXPECT_EQ(progress.Max(), 45);
+}
+
+TEST_F(ZFileTest, ASecondRunForTheSameZAppendsASecondCopy)
+{
+    ASSERT_EQ(build(), -1);
+    ASSERT_EQ(build(), -1);
+    const QByteArray once = codepage::toWin1253(QString::fromUtf8(kDayFile));
+    EXPECT_EQ(fileBytes("Z0007.out"), once + once);
+}
+
+TEST_F(ZFileTest, NumbersTakeTheRegionalDecimalMarkWhicheverMarkTheRegisterUsed)
+{
+    replies["e/"] = "00/00/00/24,00/13.00/6.00/0.00/17.00/";
+    ASSERT_EQ(build(kGreek), -1);
+    const QStringList lines = codepage::fromWin1253(fileBytes("Z0007.out")).split("\r\n");
+    EXPECT_EQ(lines[2], " VAT ,001,   A, 24,000,        124,00,        100,00,         24,00");
+    EXPECT_EQ(lines[7], " DEP ,001, ΨΩΜΙ                ,      12,000,         113,00,2");
+    EXPECT_EQ(lines[10], " REC ,          3,        118");
+    EXPECT_EQ(lines[16], " PO  ,          0,00");
+}
+
+TEST_F(ZFileTest, AZNumberAboveNineThousandNineHundredNinetyNineIsWrittenWhole)
+{
+    replies["i/"] = "00/00/00/5/120/12345/125/";
+    ASSERT_EQ(build(), -1);
+    const QByteArray bytes = fileBytes("Z12345.out");
+    ASSERT_FALSE(bytes.isEmpty());
+    EXPECT_TRUE(bytes.contains(" REP ,12345,03-01-2026,2315\r\n"));
+    EXPECT_EQ(lastNumber, "12345");
+
+    // Z number 7 has the 7 in the fourth place of its field (shown above);
+    // 123 gives Z0123.out.
+    replies["i/"] = "00/00/00/5/120/123/125/";
+    ASSERT_EQ(build(), -1);
+    EXPECT_TRUE(fileBytes("Z0123.out").contains(" REP , 123,"));
+}
+
+TEST_F(ZFileTest, ARefusedOrUnreadableAnswerHalfwayLeavesNoFileAndNoLine)
+{
+    // A first good copy stands; the failed runs must add nothing behind it.
+    ASSERT_EQ(build(), -1);
+    const QByteArray good = fileBytes("Z0007.out");
+
+    refusals["d/11/"] = 0x46;
+    link.sent.clear();
+    EXPECT_EQ(build(), 0);
+    EXPECT_EQ(lastFault, ZFile::Fault::Query);
+    EXPECT_EQ(link.commands().last(), "d/11/"); // it stops at once
+    EXPECT_EQ(receipt.LastStatus, 0x46);
+    EXPECT_EQ(fileBytes("Z0007.out"), good);
+    EXPECT_TRUE(link.shownMessages.isEmpty()); // quiet: the run's own message tells it
+    refusals.clear();
+
+    // Answers the Z file cannot stand on: too few fields, a figure that is no number.
+    for (const auto& [query, reply] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"0/", "00/00/00/124.00/113.00/0.00/0.00/0.00/237.00/3/118/5.50/0.00/"},
+             {"0/", "00/00/00/124.00/113.00/0.00/0.00/0.00/ΣΦΑΛΜΑ/3/118/5.50/0.00/12.40/"},
+             {"i/", "00/00/00/5/120/"},
+             {"d/4/", "00/00/00/ΚΑΦΕΣ/5/1/0.00/0/3.5/7.50/"},
+             {"s/", "00/00/00/0/0/7/0/125/0.00/0/"},
+             {"a/", "00/00/00/12345678/1/"}}) {
+        const QHash<QString, QString> saved = replies;
+        replies[query] = reply;
+        EXPECT_EQ(build(), 0) << query << " " << reply;
+        EXPECT_EQ(fileBytes("Z0007.out"), good) << query;
+        replies = saved;
+    }
+}
+
+TEST_F(ZFileTest, AZfilesFolderThatCannotBeMadeIsToldAndNothingIsWritten)
+{
+    // A file in the folder's place.
+    QFile blocker(dir.filePath("Zfiles"));
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    EXPECT_EQ(build(), 0);
+    EXPECT_EQ(lastFault, ZFile::Fault::Folder);
+    EXPECT_TRUE(lastFailure.contains("Zfiles")) << lastFailure.toStdString();
+    EXPECT_TRUE(lastFailure.startsWith("Ο φάκελος")) << lastFailure.toStdString();
+    EXPECT_EQ(lastNumber, "7");
+}
+
+TEST_F(ZFileTest, AZFileThatCannotBeOpenedIsToldWithItsPath)
+{
+    // A folder in the file's place.
+    ASSERT_TRUE(QDir(dir.path()).mkpath("Zfiles/Z0007.out"));
+    EXPECT_EQ(build(), 0);
+    EXPECT_EQ(lastFault, ZFile::Fault::File);
+    EXPECT_TRUE(lastFailure.contains("Z0007.out")) << lastFailure.toStdString();
+}
