@@ -11,6 +11,8 @@
 #include "pipeline/StartParts.h"
 #include "reports/ReportRun.h"
 #include "shell/CommunicationLog.h"
+#include "tables/OrderStoreRoads.h"
+#include "tables/TableFlows.h"
 
 #include <QString>
 
@@ -42,6 +44,7 @@ public:
     ReportRun& reports() { return reports_; }
     CommunicationLog& log() { return log_; }
     ActionRegistry& actions() { return actions_; }
+    TableFlows& tables() { return tables_; }
 
 private:
     // JobParts
@@ -70,6 +73,8 @@ private:
     DevicePort port_;
     DeviceSession link_;
     UnavailableCardRoads cards_;
+    TableFlows tables_;
+    OrderStoreRoads tableRoads_;
     FPrinterOperations printer_;
     ReportRun reports_;
     ActionRegistry actions_;

@@ -1,6 +1,7 @@
 #include "pipeline/Driver.h"
 
 #include "shell/FormModel.h"
+#include "tables/InitTables.h"
 
 // The menu entries whose actions are built; the rest report that they are not.
 void Driver::wireMenuActions()
@@ -10,6 +11,9 @@ void Driver::wireMenuActions()
     actions_.setHandler(QStringLiteral("zrep021"), [this] { reports_.dailyZ(); });
     // The period Z has no action, in the menu as from the command line.
     actions_.setHandler(QStringLiteral("zrep521"), [] {});
+    actions_.setHandler(QStringLiteral("initTables"), [this] {
+        InitTables(link_, person_, engine_.progress(), form_.caption(), engine_.moduleVariables().port);
+    });
     actions_.setHandler(QStringLiteral("xrep_table_summary"), [this] { reports_.tablesSummary(); });
     actions_.setHandler(QStringLiteral("xrep_table_detail"), [this] { reports_.tablesDetail(); });
     actions_.setHandler(QStringLiteral("mZREp"), [this] {
