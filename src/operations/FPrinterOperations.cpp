@@ -208,7 +208,7 @@ void FPrinterOperations::dis(const QString& working, QVariant& a, QVariant& b, Q
 void FPrinterOperations::tot(const QString& text, QVariant& a, QVariant& b, QVariant& c)
 {
     if (state_.TableMode == 1 || state_.TableMode == 2) {
-        tables_->settleTable(a.toDouble(), static_cast<qint16>(b.toInt()));
+        tableTotal(a.toDouble(), static_cast<qint16>(b.toInt()));
         return;
     }
     const PayEftRecord record = PaymentMapLookup(b.toInt(), payEftPath_, op_);
@@ -222,6 +222,15 @@ void FPrinterOperations::tot(const QString& text, QVariant& a, QVariant& b, QVar
         return;
     }
     cards_->payInReceipt(record, a.toDouble(), description, c.toString());
+}
+
+// The table is brought to the register first; then it is paid. The card
+// road of a table (an active record without pre-collection) takes over from
+// the plain payment once the card subsystem provides it.
+void FPrinterOperations::tableTotal(double amount, qint16 payment)
+{
+    tables_->bringTableToRegister();
+    tables_->payTable(amount, payment);
 }
 
 void FPrinterOperations::comment(const QString& working, QVariant& c, bool quiet,

@@ -44,6 +44,7 @@ private:
     void plu(const QString& working, QVariant& b, QVariant& c);
     void dis(const QString& working, QVariant& a, QVariant& b, QVariant& c);
     void tot(const QString& text, QVariant& a, QVariant& b, QVariant& c);
+    void tableTotal(double amount, qint16 payment);
     void comment(const QString& working, QVariant& c, bool quiet, bool marksAfterTotal,
                  bool sendsBlank);
     void frt();

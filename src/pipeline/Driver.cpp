@@ -30,6 +30,9 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     , port_(engine_.moduleVariables(), clock, person, transports, log_)
     , link_(port_, engine_.moduleVariables(), clock, person, form, engine_.resultSink(), log_)
     , cards_(link_)
+    , tables_(link_, person, clock, engine_.receiptState(), engine_.moduleVariables(),
+              engine_.resultSink(), orCurrent(options_.programDirectory))
+    , tableRoads_(tables_)
     , printer_(link_, engine_.receiptState(), engine_.moduleVariables(), person, form,
                engine_.progress(), workFile(kPayEftFile))
     , reports_(link_, printer_, engine_.receiptState(), engine_.moduleVariables(), form)
@@ -43,6 +46,7 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     zMail_.setFailureLog([this](const QString& failure) { log_.PrintCombine(failure); });
     zFile_.setMail(&zMail_);
     reports_.setAfterDailyZ([this] { zFile_.Zfile(); });
+    printer_.setTableRoads(tableRoads_);
     engine_.attach(link_, printer_, *this, *this);
     QObject::connect(&engine_, &Engine::freed, &actions_, &ActionRegistry::runWaiting,
                      Qt::QueuedConnection);
@@ -60,7 +64,7 @@ void Driver::interpretLines(const QStringList& lines, const JobSettings& setting
     InterpreterContext context{engine_.receiptState(), engine_.moduleVariables(), printer_,
                                link_, person_, clock_, cards_, engine_.resultSink(),
                                orCurrent(options_.workingDirectory),
-                               [this] { reports_.dailyZ(); }};
+                               [this] { reports_.dailyZ(); }, &tables_};
     PrintFileInterpreter interpreter(std::move(context), settings);
     interpreter.run(lines, [&lineReached](int i) { lineReached(i); });
 }

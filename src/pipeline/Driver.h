@@ -14,6 +14,8 @@
 #include "reports/ZFileRun.h"
 #include "reports/ZMail.h"
 #include "shell/CommunicationLog.h"
+#include "tables/OrderStoreRoads.h"
+#include "tables/TableFlows.h"
 
 #include <QString>
 
@@ -50,6 +52,7 @@ public:
     void setTaxServerWindow(TaxServerWindow* window) { taxServerWindow_ = window; }
     CommunicationLog& log() { return log_; }
     ActionRegistry& actions() { return actions_; }
+    TableFlows& tables() { return tables_; }
 
 private:
     // JobParts
@@ -78,6 +81,8 @@ private:
     DevicePort port_;
     DeviceSession link_;
     UnavailableCardRoads cards_;
+    TableFlows tables_;
+    OrderStoreRoads tableRoads_;
     FPrinterOperations printer_;
     ReportRun reports_;
     ZMail zMail_;

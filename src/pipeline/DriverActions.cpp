@@ -1,6 +1,7 @@
 #include "pipeline/Driver.h"
 
 #include "shell/FormModel.h"
+#include "tables/InitTables.h"
 
 // The menu entries whose actions are built; the rest report that they are not.
 void Driver::wireMenuActions()
@@ -14,6 +15,9 @@ void Driver::wireMenuActions()
     actions_.setHandler(QStringLiteral("basic_programming"), [this] {
         OperatorTaxServerWindow asked(person_);
         taxServer_.run(taxServerWindow_ ? *taxServerWindow_ : static_cast<TaxServerWindow&>(asked));
+    });
+    actions_.setHandler(QStringLiteral("initTables"), [this] {
+        InitTables(link_, person_, engine_.progress(), form_.caption(), engine_.moduleVariables().port);
     });
     actions_.setHandler(QStringLiteral("xrep_table_summary"), [this] { reports_.tablesSummary(); });
     actions_.setHandler(QStringLiteral("xrep_table_detail"), [this] { reports_.tablesDetail(); });

@@ -130,7 +130,7 @@ PrintFileInterpreter::Flow PrintFileInterpreter::runLine(const QStringList& line
     } else if (isUpperOrLowerTag(line, "TBO") || isUpperOrLowerTag(line, "TBC")
                || isUpperOrLowerTag(line, "TBT") || isUpperOrLowerTag(line, "TPT")
                || isUpperOrLowerTag(line, "TBS")) {
-        // Restaurant tables are not handled by this driver yet: the line is passed over.
+        return tableLine(line);
     } else if (isUpperOrLowerTag(line, "SND")) {
         snd(line);
     } else if (isUpperOrLowerTag(line, "PRG")) {
@@ -142,7 +142,7 @@ PrintFileInterpreter::Flow PrintFileInterpreter::runLine(const QStringList& line
     } else if (isLowerTag(line, "voi")) {
         voi();
     } else if (isLowerTag(line, "ltb")) {
-        // Table listing comes with the restaurant tables.
+        ltb(line);
     } else if (isLowerTag(line, "exit")) {
         return Flow::Stop;
     }
@@ -347,8 +347,12 @@ void PrintFileInterpreter::pay(const QString& line)
     }
     const qint16 payment = qint16(number.trimmed().toInt());
     const PayEftRecord record = PaymentMapLookup(payment, payeftPath(), ctx_.op);
+    if (ctx_.receipt.TableMode == 1 || ctx_.receipt.TableMode == 2) {
+        payOnTable(payment);
+        return;
+    }
     if (ctx_.receipt.TableMode != 0)
-        return; // the table road comes with the restaurant tables
+        return;
     if (record.isActive() && !record.isPreCollect()) {
         ctx_.cards.payFromMapInReceipt(record, mDocData(ctx_.link).ReadRemainingAmount());
         return;
@@ -369,8 +373,10 @@ void PrintFileInterpreter::can(const QString& line)
 
 void PrintFileInterpreter::voi()
 {
-    if (ctx_.receipt.TableMode != 0)
-        return; // voiding a table comes with the restaurant tables
+    if (ctx_.receipt.TableMode != 0) {
+        voiOnTable();
+        return;
+    }
     sendReceiptCommand(DeviceCommands::VoidDocument());
 }
 

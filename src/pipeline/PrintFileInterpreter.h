@@ -12,6 +12,7 @@ class DeviceLink;
 class FPrinter;
 class Operator;
 class ResultSink;
+class TableFlows;
 struct ModuleVariables;
 struct ReceiptState;
 
@@ -34,6 +35,8 @@ struct InterpreterContext {
     QString workingDirectory; // where vats.dat and payeft.dat lie
     // The Z report of the menu (MKZ lines).
     std::function<void()> runDailyZ;
+    // The restaurant tables; without them table lines are passed over.
+    TableFlows* tables = nullptr;
 };
 
 // Walks the lines of one print file, in order, and turns each known tag into
@@ -62,6 +65,21 @@ private:
     void com(const QString& line);
     void footer(const QString& line, const QString& op);
     void mkz();
+
+    // The table tags (PrintFileTableTags.cpp).
+    Flow tableLine(const QString& line);
+    Flow tbo(const QString& line);
+    Flow tbc(const QString& line);
+    Flow tbt(const QString& line);
+    Flow tpt(const QString& line);
+    Flow tbs(const QString& line);
+    void ltb(const QString& line);
+    void voiOnTable();
+    void payOnTable(qint16 payment);
+    // A table number of TBT, TPT or TBS: -1 writes the error line, tells the operator.
+    bool tableNumbersGood(qint16 from, qint16 to);
+    Flow beginMoveInParts();
+    void wrongTableNumberBox();
 
     Flow specialReturnItem(const QString& nextLine, const QString& description, double vatNumber,
                            int department);

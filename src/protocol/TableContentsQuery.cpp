@@ -18,6 +18,7 @@ std::optional<TableContentsQuery::Answer> TableContentsQuery::read(const DeviceR
     if (!reply.ok())
         return std::nullopt;
     Answer answer;
+    answer.holdsItems = !reply.field(kFirstItemField).isEmpty();
     // The last field follows the closing "/" and is no item.
     for (qsizetype i = kFirstItemField; i < reply.fieldCount() - 1; ++i)
         answer.items << reply.field(i).split(kSubFieldMark);

@@ -21,6 +21,8 @@ struct TableContentsQuery {
         // Sub-field 0 of the last field but one: the last item's number. A
         // table without items gives what stands in that field all the same.
         std::optional<QString> lastItemNumber;
+        // Field 4 is not empty: the table holds items.
+        bool holdsItems = false;
 
         // The items' amounts added up, each written with a point.
         double amount() const;

@@ -26,8 +26,12 @@ public:
     }
     // plu in TableMode 2: the item moves from TableFrom to TableTo.
     virtual void moveItem(const clsTable& item) { Q_UNUSED(item) }
-    // tot in TableMode 1 or 2: the table is closed and paid.
-    virtual void settleTable(double amount, qint16 payment) { Q_UNUSED(amount) Q_UNUSED(payment) }
+    // tot in TableMode 1 or 2, first: the register is brought to the table
+    // (its visit closed, a move in parts ended, the waiting voids done). The
+    // card road of a table starts behind this too.
+    virtual void bringTableToRegister() {}
+    // tot in TableMode 1 or 2, the plain payment: the table is closed and paid.
+    virtual void payTable(double amount, qint16 payment) { Q_UNUSED(amount) Q_UNUSED(payment) }
     // End of a good 0Z: every store row and line counter goes. Answers as the
     // store does: 0 or a count good, -1 failed call, -2 no rows, -3 no store.
     virtual qint32 clearOrderStore() { return -2; }

@@ -22,7 +22,9 @@ struct RecordingTables final : TableRoads {
     void storeSoldItem(const clsTable& item, const QString&, const QString&) override { stored << item; }
     void removeReturnedItem(const clsTable&, const QString&, const QString&) override {}
     void moveItem(const clsTable& item) override { moved << item; }
-    void settleTable(double amount, qint16 payment) override { settled.append({amount, payment}); }
+    int broughtToRegister = 0;
+    void bringTableToRegister() override { ++broughtToRegister; }
+    void payTable(double amount, qint16 payment) override { settled.append({amount, payment}); }
     qint32 clearOrderStore() override { return ++clears, clearResult; }
 };
 
@@ -201,6 +203,7 @@ TEST_F(FPrinterOperationsTest, OrdinaryPaymentClosesTheReceiptWithItsOwnText)
     EXPECT_TRUE(link.sent.isEmpty());
     ASSERT_EQ(tables.settled.size(), 1);
     EXPECT_EQ(tables.settled[0], qMakePair(20.0, qint16(1)));
+    EXPECT_EQ(tables.broughtToRegister, 1);
 }
 
 TEST_F(FPrinterOperationsTest, CardPaymentsTakeTheCardRoadAndUnreadableMapsPayPlainly)

@@ -1,0 +1,171 @@
+// Restaurant tables printed by the real kerbano --headless on the real
+// virtual register, one print file a job: after every job the order store's
+// rows and what the register holds on each table touched are the same items.
+
+#include "KerbanoRun.h"
+#include "PrintQString.h"
+#include "SimProcess.h"
+#include "shell/CodePage.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QUuid>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <tuple>
+
+namespace {
+constexpr int kJobTimeoutMs = 30000;
+constexpr int kReplyWaitMs = 5000;
+constexpr int kReplySilenceMs = 300;
+const QString kFlags = QStringLiteral("0,TECFP,1110111");
+
+// An item as both sides name it: its identifier and its line order.
+using Item = std::tuple<int, int>;
+
+QString pluLine(const QString& description, const QString& quantity, const QString& price)
+{
+    return QStringLiteral(" PLU 5201234567890 ") + description.leftJustified(28, QLatin1Char(' '))
+        + quantity.rightJustified(7, QLatin1Char(' ')) + QStringLiteral("  ")
+        + price.rightJustified(9, QLatin1Char(' ')) + QStringLiteral("   13.00  2");
+}
+
+QByteArray printFile(const QStringList& lines)
+{
+    return codepage::toWin1253(QStringLiteral("resFile:  result.txt\r\ntag:  T1\r\n") + lines.join(QStringLiteral("\r\n"))
+                               + QStringLiteral("\r\n"));
+}
+
+class TablesEndToEnd : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir.isValid());
+        ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
+    }
+
+    QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
+
+    QString print(const QStringList& lines)
+    {
+        QFile::remove(path("result.txt"));
+        QFile file(path("print.txt"));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(printFile(lines));
+        file.close();
+        const KerbanoRun run = runKerbanoHeadless(
+            dir.path(), QStringLiteral("%1,9600,print.txt,%2").arg(sim.portField(), kFlags), kJobTimeoutMs);
+        EXPECT_TRUE(run.finished) << "kerbano did not end";
+        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+        QFile result(path("result.txt"));
+        return result.open(QIODevice::ReadOnly) ? codepage::fromWin1253(result.readAll()) : QString();
+    }
+
+    // What the register holds on table, asked on its wire by the test itself.
+    std::set<Item> registerItems(int table)
+    {
+        QTcpSocket socket;
+        const QString address = sim.portField();
+        socket.connectToHost(address.section(':', 0, 0), quint16(address.section(':', 1).toInt()));
+        EXPECT_TRUE(socket.waitForConnected(kReplyWaitMs));
+        socket.write(codepage::toWin1253(QStringLiteral("&/11/%1//0/0///////////").arg(table)));
+        QByteArray reply;
+        if (socket.waitForReadyRead(kReplyWaitMs)) {
+            reply += socket.readAll();
+            while (socket.waitForReadyRead(kReplySilenceMs))
+                reply += socket.readAll();
+        }
+        socket.disconnectFromHost();
+        const QStringList fields = codepage::fromWin1253(reply).trimmed().split(QLatin1Char('/'));
+        EXPECT_EQ(fields.value(0), "00") << reply.toStdString();
+        std::set<Item> items;
+        for (qsizetype i = 4; i < fields.size() - 1; ++i) {
+            const QStringList sub = fields[i].split(QLatin1Char('|'));
+            items.insert({sub.value(1).toInt(), sub.value(0).toInt()});
+        }
+        return items;
+    }
+
+    // The rows of the order store on table, read with the test's own connection.
+    std::set<Item> storeItems(int table)
+    {
+        std::set<Item> items;
+        const QStringList stores = QDir(dir.path()).entryList({"*_Orders.sqlite"}, QDir::Files);
+        if (stores.isEmpty())
+            return items;
+        EXPECT_EQ(stores.size(), 1) << stores.join(", ").toStdString();
+        const QString name = QUuid::createUuid().toString();
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(path(stores.first()));
+            EXPECT_TRUE(db.open());
+            QSqlQuery query(db);
+            query.prepare(QStringLiteral("SELECT itemUID, tableORDER FROM ecrOrders WHERE tableNUM = ?"));
+            query.addBindValue(table);
+            EXPECT_TRUE(query.exec());
+            while (query.next())
+                items.insert({query.value(0).toInt(), query.value(1).toInt()});
+        }
+        QSqlDatabase::removeDatabase(name);
+        return items;
+    }
+
+    void expectInStep(std::initializer_list<int> tables, const char* after)
+    {
+        for (const int table : tables)
+            EXPECT_EQ(storeItems(table), registerItems(table)) << "table " << table << " after " << after;
+    }
+
+    QTemporaryDir dir;
+    SimProcess sim{dir.path()};
+};
+
+} // namespace
+
+TEST_F(TablesEndToEnd, OpenedFilledMovedAndSettledInPartsOverThreeFiles)
+{
+    const QString first = print({QStringLiteral(" TBO  005 ΚΗΠΟΣ~ΠΑΡΕΑ"), pluLine("ΣΟΥΒΛΑΚΙ", "2", "3.50"),
+                                 pluLine("ΝΕΡΟ", "1", "0.50"), pluLine("ΝΕΡΟ", "1", "0.50"),
+                                 pluLine("ΜΠΥΡΑ", "2", "4.35"), pluLine("ΝΕΡΟ", "-1", "0.50"),
+                                 QStringLiteral(" TBC 5")});
+    EXPECT_FALSE(first.contains("Err = ")) << first.toStdString();
+    EXPECT_EQ(registerItems(5).size(), 3u);
+    expectInStep({5}, "the first visit");
+
+    const QString second = print({QStringLiteral(" TBO  005"), pluLine("ΣΑΛΑΤΑ", "1", "6.00"),
+                                  QStringLiteral(" TBC 5"), QStringLiteral(" TBT  005 007")});
+    EXPECT_FALSE(second.contains("Err = ")) << second.toStdString();
+    EXPECT_TRUE(registerItems(5).empty());
+    EXPECT_EQ(registerItems(7).size(), 4u);
+    expectInStep({5, 7}, "the move");
+
+    const QString third = print({QStringLiteral(" TBS  007"), pluLine("ΜΠΥΡΑ", "2", "4.35"),
+                                 pluLine("ΣΑΛΑΤΑ", "1", "6.00"), QStringLiteral(" pay  01"),
+                                 QStringLiteral(" ltb  001-010")});
+    EXPECT_FALSE(third.contains("Err = ")) << third.toStdString();
+    EXPECT_TRUE(third.contains("tblList   = 7\r\n")) << third.toStdString();
+    EXPECT_EQ(registerItems(7).size(), 2u);
+    expectInStep({5, 7, 290}, "the settlement in parts");
+    EXPECT_TRUE(storeItems(290).empty());
+}
+
+TEST_F(TablesEndToEnd, AVoidedTableAndAPaidTableLeaveNothingOverTwoFiles)
+{
+    print({QStringLiteral(" TBO  003"), pluLine("ΚΡΑΣΙ", "1", "8.00"), pluLine("ΨΩΜΙ", "1", "1.00"),
+           QStringLiteral(" TBC 3"), QStringLiteral(" TBO  004"), pluLine("ΚΡΑΣΙ", "1", "8.00"),
+           QStringLiteral(" TBC 4")});
+    expectInStep({3, 4}, "the visits");
+    EXPECT_EQ(storeItems(3).size(), 2u);
+
+    const QString second = print({QStringLiteral(" TBO  003"), QStringLiteral(" voi"), QStringLiteral(" TBO  004"),
+                                  QStringLiteral(" tot   1       8.00ΜΕΤΡΗΤΑ")});
+    EXPECT_FALSE(second.contains("Err = ")) << second.toStdString();
+    expectInStep({3, 4}, "the void and the payment");
+    EXPECT_TRUE(storeItems(3).empty());
+    EXPECT_TRUE(storeItems(4).empty());
+}
