@@ -29,7 +29,7 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     , log_(orCurrent(options_.programDirectory), engine_.moduleVariables())
     , port_(engine_.moduleVariables(), clock, person, transports, log_)
     , link_(port_, engine_.moduleVariables(), clock, person, form, engine_.resultSink(), log_)
-    , cards_(link_)
+    , cards_(link_, engine_.moduleVariables(), person, clock)
     , printer_(link_, engine_.receiptState(), engine_.moduleVariables(), person, form,
                engine_.progress(), workFile(kPayEftFile))
     , reports_(link_, printer_, engine_.receiptState(), engine_.moduleVariables(), form)
