@@ -18,6 +18,11 @@ struct SendOptions {
     // The wait for the register's answer to ENQ on a serial line; 0 means 3.
     qint16 timeoutSeconds = 0;
     int logMode = kLogModeResultFile;
+    // A card payment: its terminal may still be working when the answer is
+    // late, so the wire sends it once and waits the whole timeoutSeconds for
+    // the reply, on TCP as on a serial line. A lost answer is the caller's to
+    // learn from the register (the outcome query), never by sending again.
+    bool sendOnce = false;
 };
 
 // The one road to the register, as the operations, tables, payments and

@@ -34,7 +34,7 @@ public:
 
     // One command over whichever backend the link opened, always quiet.
     LinkBackend::Exchanged ExchangeCommand(const QString& command, qint16& timeoutSeconds,
-                                           bool ignoreOperatorBusy);
+                                           bool ignoreOperatorBusy, bool sendOnce = false);
 
 private:
     const ModuleVariables& vars_;

@@ -80,7 +80,8 @@ DeviceReply DeviceSession::doSend(const QString& command, const SendOptions& opt
     qint16 timeoutSeconds = options.timeoutSeconds;
     for (;;) {
         const LinkBackend::Exchanged exchanged =
-            port_.ExchangeCommand(command, timeoutSeconds, vars_.IgnoreOperatorBusy);
+            port_.ExchangeCommand(command, timeoutSeconds, vars_.IgnoreOperatorBusy,
+                                  options.sendOnce);
         const DeviceReply& reply = exchanged.reply;
         if (!reply.ok() && !options.quiet) {
             ShowDeviceMessage(reply.status(), reply.text());

@@ -20,7 +20,9 @@ public:
     virtual bool isTcp() const = 0;
     // One command and its reply, always quiet. timeoutSeconds: the wait for
     // the answer to ENQ on a serial line; 0 becomes 3 there and is written back.
+    // sendOnce: no second send of an unanswered command; the reply is awaited
+    // for timeoutSeconds instead (SendOptions::sendOnce).
     virtual Exchanged exchange(const QString& command, qint16& timeoutSeconds,
-                               bool ignoreOperatorBusy) = 0;
+                               bool ignoreOperatorBusy, bool sendOnce) = 0;
     virtual void close() = 0;
 };

@@ -14,7 +14,7 @@ SerialBackend::SerialBackend(std::unique_ptr<Transport> comHandle, Clock& clock,
 }
 
 LinkBackend::Exchanged SerialBackend::exchange(const QString& command, qint16& timeoutSeconds,
-                                               bool ignoreOperatorBusy)
+                                               bool ignoreOperatorBusy, bool sendOnce)
 {
     bool invalid = false;
     const QString frame = FrameCommand(command, &invalid);
@@ -26,7 +26,8 @@ LinkBackend::Exchanged SerialBackend::exchange(const QString& command, qint16& t
             timeoutSeconds = SerialExchange::kDefaultEnqWaitSeconds;
         return {SerialExchange::noEnqAnswer(), frame};
     }
-    return {SerialExchange(*comHandle_, clock_, log_).run(frame, timeoutSeconds, ignoreOperatorBusy),
+    return {SerialExchange(*comHandle_, clock_, log_).run(frame, timeoutSeconds, ignoreOperatorBusy,
+                                                                sendOnce),
             frame};
 }
 

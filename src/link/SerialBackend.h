@@ -18,7 +18,7 @@ public:
 
     bool isTcp() const override { return false; }
     Exchanged exchange(const QString& command, qint16& timeoutSeconds,
-                       bool ignoreOperatorBusy) override;
+                       bool ignoreOperatorBusy, bool sendOnce) override;
     void close() override;
 
     // The open serial port; null when none.

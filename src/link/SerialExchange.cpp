@@ -64,10 +64,11 @@ DeviceReply SerialExchange::noEnqAnswer()
 }
 
 DeviceReply SerialExchange::run(const QString& frame, qint16& timeoutSeconds,
-                                bool ignoreOperatorBusy)
+                                bool ignoreOperatorBusy, bool sendOnce)
 {
     if (timeoutSeconds == 0)
         timeoutSeconds = kDefaultEnqWaitSeconds;
+    const qint64 replyWaitMs = sendOnce ? timeoutSeconds * 1000LL : kReplyWaitMs;
     const qint64 enqDeadline = roundedToSecond(clock_.monotonicMs()) + timeoutSeconds * 1000LL;
     QString enqAnswer;
     QString buffer;
@@ -91,7 +92,7 @@ DeviceReply SerialExchange::run(const QString& frame, qint16& timeoutSeconds,
         SerialWrite(frame);
         log(QStringLiteral(" send:     ") + frame);
         // Bytes that arrive do not extend the deadline of a frame.
-        const qint64 replyDeadline = clock_.monotonicMs() + kReplyWaitMs;
+        const qint64 replyDeadline = clock_.monotonicMs() + replyWaitMs;
         bool complete = false;
         for (;;) {
             if (!buffer.isEmpty() && buffer.back() == QChar(linkbytes::ETX)) {
@@ -105,7 +106,7 @@ DeviceReply SerialExchange::run(const QString& frame, qint16& timeoutSeconds,
         if (complete)
             break;
 
-        if (++framesSent >= kMaxFrames)
+        if (sendOnce || ++framesSent >= kMaxFrames)
             return DeviceReply::linkFailure(
                 kStatusNoReply, QStringLiteral("Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !"),
                 ReplyOutcome::NoReply);

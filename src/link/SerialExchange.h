@@ -29,7 +29,10 @@ public:
     SerialExchange(Transport& port, Clock& clock, CommunicationLog& log);
 
     // frame: the framed command. timeoutSeconds 0 becomes 3 and is written back.
-    DeviceReply run(const QString& frame, qint16& timeoutSeconds, bool ignoreOperatorBusy);
+    // sendOnce: one frame only, its reply awaited for timeoutSeconds (a card
+    // payment, which must not reach the register twice).
+    DeviceReply run(const QString& frame, qint16& timeoutSeconds, bool ignoreOperatorBusy,
+                    bool sendOnce = false);
 
     // Writes in pieces of at most 255 bytes; returns the bytes of the last piece.
     qint64 SerialWrite(const QString& text);

@@ -10,10 +10,13 @@ TcpBackend::TcpBackend(std::unique_ptr<clsNet_TCP> net, Clock& clock, Communicat
 }
 
 LinkBackend::Exchanged TcpBackend::exchange(const QString& command, qint16& timeoutSeconds,
-                                            bool ignoreOperatorBusy)
+                                            bool ignoreOperatorBusy, bool sendOnce)
 {
-    Q_UNUSED(timeoutSeconds) // the network waits its own ten seconds a send
-    return {TcpExchange(*net_, clock_, log_).run(command, ignoreOperatorBusy), command};
+    // The network waits its own ten seconds a send; a command sent once waits
+    // its whole time-out instead.
+    const qint16 singleSendWaitSeconds = sendOnce ? timeoutSeconds : qint16(0);
+    return {TcpExchange(*net_, clock_, log_).run(command, ignoreOperatorBusy, singleSendWaitSeconds),
+            command};
 }
 
 void TcpBackend::close()

@@ -16,7 +16,7 @@ public:
 
     bool isTcp() const override { return true; }
     Exchanged exchange(const QString& command, qint16& timeoutSeconds,
-                       bool ignoreOperatorBusy) override;
+                       bool ignoreOperatorBusy, bool sendOnce) override;
     void close() override;
 
     clsNet_TCP& TCPClass() const { return *net_; }

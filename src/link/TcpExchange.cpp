@@ -52,9 +52,12 @@ DeviceReply TcpExchange::noReply(bool lost)
                                     lost ? ReplyOutcome::LinkLost : ReplyOutcome::NoReply);
 }
 
-DeviceReply TcpExchange::run(const QString& command, bool ignoreOperatorBusy)
+DeviceReply TcpExchange::run(const QString& command, bool ignoreOperatorBusy,
+                             qint16 singleSendWaitSeconds)
 {
     const QByteArray bytes = codepage::toWin1253(command);
+    const bool sendOnce = singleSendWaitSeconds > 0;
+    const qint64 replyWaitMs = sendOnce ? singleSendWaitSeconds * 1000LL : kReplyWaitMs;
 
     for (int sends = 0;;) {
         clock_.sleepMs(kBeforeSendMs);
@@ -63,10 +66,10 @@ DeviceReply TcpExchange::run(const QString& command, bool ignoreOperatorBusy)
         if (command.startsWith(u'5'))
             clock_.sleepMs(kAfterPaymentSendMs);
         log(QStringLiteral(" send:     ") + command);
-        const qint64 deadline = roundedToSecond(clock_.monotonicMs()) + kReplyWaitMs;
+        const qint64 deadline = roundedToSecond(clock_.monotonicMs()) + replyWaitMs;
         if (waitForReply(deadline))
             break;
-        if (++sends >= kMaxSends)
+        if (sendOnce || ++sends >= kMaxSends)
             return noReply(!sent);
     }
 

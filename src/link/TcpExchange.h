@@ -11,7 +11,7 @@ class clsNet_TCP;
 
 // One command over TCP: the plain text, a wait of up to 10 seconds for
 // anything to arrive, the first read taken as the whole reply. At most four
-// sends; a peer that closes ends it at once.
+// sends, or one for a command sent once; a peer that closes ends it at once.
 class TcpExchange {
 public:
     static constexpr int kBeforeSendMs = 10;
@@ -24,7 +24,10 @@ public:
 
     TcpExchange(clsNet_TCP& net, Clock& clock, CommunicationLog& log);
 
-    DeviceReply run(const QString& command, bool ignoreOperatorBusy);
+    // singleSendWaitSeconds above 0: one send only, its reply awaited that
+    // long (a card payment, which must not reach the register twice).
+    DeviceReply run(const QString& command, bool ignoreOperatorBusy,
+                    qint16 singleSendWaitSeconds = 0);
 
     // What a command gets when nothing came back. lost: the command could not
     // be sent or the register hung up, rather than a register that stayed silent.

@@ -222,6 +222,7 @@ void FPrinterOperations::tot(const QString& text, QVariant& a, QVariant& b, QVar
         return;
     }
     cards_->payInReceipt(record, a.toDouble(), description, c.toString());
+    state_.PaymentDone = true;
 }
 
 // The table is brought to the register first; then it is paid. The card

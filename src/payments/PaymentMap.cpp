@@ -12,6 +12,15 @@ namespace {
 
 const QString kMapTitle = QStringLiteral("Μύνημα Kerbano");
 const QString kMapUnreadable = QStringLiteral("Αδυναμία ανάγνωσης παραμέτρων πληρωμών");
+const QString kRecordOutOfRange =
+    QStringLiteral("Λάθος παράμετροι πληρωμής %1 στο payeft.dat: η πληρωμή γίνεται χωρίς EFTPOS");
+
+constexpr qint16 kFlagOn = -1;
+
+bool isFlag(qint16 value)
+{
+    return value == kFlagOn || value == 0;
+}
 
 qint64 slotOffset(qint16 payId)
 {
@@ -73,12 +82,28 @@ int WritePayEftRecord(const QString& path, const PayEftRecord& record)
     return file.write(slot) == slot.size() ? 0 : -1;
 }
 
+bool CardRecordInRange(const PayEftRecord& r, int payment)
+{
+    if (!r.isActive())
+        return true;
+    return r.active == kFlagOn && isFlag(r.preCollect) && r.payId == payment
+        && r.ecrPayment >= 0 && r.ecrPayment <= kRegisterPayments
+        && r.ecrEft >= 0 && r.ecrEft <= kRegisterTerminals
+        && r.retries >= 0 && r.retries <= kMaxCardRetries
+        && r.altPayment >= 0 && r.altPayment <= kRegisterPayments;
+}
+
 PayEftRecord PaymentMapLookup(int payment, const QString& path, Operator& op)
 {
     PayEftRecord record;
     record.payId = static_cast<qint16>(payment);
-    if (payment < 1 || payment > 32767 || ReadPayEftRecord(path, record) != 0) {
-        op.message(kMapTitle, kMapUnreadable, Operator::Icon::Warning);
+    QString fault;
+    if (payment < 1 || payment > 32767 || ReadPayEftRecord(path, record) != 0)
+        fault = kMapUnreadable;
+    else if (!CardRecordInRange(record, payment))
+        fault = kRecordOutOfRange.arg(payment);
+    if (!fault.isEmpty()) {
+        op.message(kMapTitle, fault, Operator::Icon::Warning);
         record.active = 0;
         record.preCollect = 0;
     }

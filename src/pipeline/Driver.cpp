@@ -29,7 +29,7 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     , log_(orCurrent(options_.programDirectory), engine_.moduleVariables())
     , port_(engine_.moduleVariables(), clock, person, transports, log_)
     , link_(port_, engine_.moduleVariables(), clock, person, form, engine_.resultSink(), log_)
-    , cards_(link_)
+    , cards_(link_, engine_.moduleVariables(), person, clock)
     , tables_(link_, person, clock, engine_.receiptState(), engine_.moduleVariables(),
               engine_.resultSink(), orCurrent(options_.programDirectory))
     , tableRoads_(tables_)

@@ -3,7 +3,7 @@
 #include "link/DevicePort.h"
 #include "link/DeviceSession.h"
 #include "operations/FPrinterOperations.h"
-#include "payments/UnavailableCardRoads.h"
+#include "payments/EftCardRoads.h"
 #include "pipeline/ActionRegistry.h"
 #include "pipeline/Engine.h"
 #include "pipeline/EngineActivity.h"
@@ -58,7 +58,7 @@ private:
     // JobParts
     void interpretLines(const QStringList& lines, const JobSettings& settings,
                         const LineReached& lineReached) override;
-    void finishCardPayment() override {}
+    void finishCardPayment() override { cards_.PrintPendingPaymentNotice(); }
     QStringList cardPaymentLines() override;
     DocumentFigures documentFigures() override;
     bool isOperatorBusy() override;
@@ -80,7 +80,7 @@ private:
     CommunicationLog log_;
     DevicePort port_;
     DeviceSession link_;
-    UnavailableCardRoads cards_;
+    EftCardRoads cards_;
     TableFlows tables_;
     OrderStoreRoads tableRoads_;
     FPrinterOperations printer_;

@@ -1,5 +1,7 @@
 #include "pipeline/Driver.h"
 
+#include "payments/EftBatch.h"
+#include "payments/PaymentMapDialog.h"
 #include "shell/FormModel.h"
 #include "tables/InitTables.h"
 
@@ -37,4 +39,11 @@ void Driver::wireMenuActions()
     actions_.setHandler(QStringLiteral("end"), [this] { engine_.unload(); });
     actions_.setHandler(QStringLiteral("fShow"), [this] { form_.setFormShown(true); });
     actions_.setHandler(QStringLiteral("fHide"), [this] { form_.setFormShown(false); });
+    actions_.setHandler(QStringLiteral("paramEFT"), [this] {
+        PaymentMapDialog(link_, person_, engine_.moduleVariables(), workFile(QStringLiteral("payeft.dat")))
+            .run();
+    });
+    actions_.setHandler(QStringLiteral("s8"), [this] {
+        RunEftBatch(link_, person_, engine_.moduleVariables());
+    });
 }

@@ -354,7 +354,8 @@ void PrintFileInterpreter::pay(const QString& line)
     if (ctx_.receipt.TableMode != 0)
         return;
     if (record.isActive() && !record.isPreCollect()) {
-        ctx_.cards.payFromMapInReceipt(record, mDocData(ctx_.link).ReadRemainingAmount());
+        ctx_.cards.payFromMapInReceipt(
+            record, [this] { return mDocData(ctx_.link).ReadRemainingAmount(); });
         return;
     }
     const double remaining = mDocData(ctx_.link).ReadRemainingAmount();

@@ -97,6 +97,11 @@ QString CardReplacementPayment(int payment, double amount)
     return fill(u"5/%1/%2/ΑΝΤΙ ΚΑΡΤΑΣ//////", n(payment), amt(amount));
 }
 
+QString CardReplacementPaymentWithText(int payment, double amount, const QString& text)
+{
+    return Payment(payment, amount, (QStringLiteral("ΑΝΤΙ:") + text).left(kReplacementTextMax));
+}
+
 QString ZeroPayment() { return QStringLiteral("5/1/0.00////"); }
 QString EftOutcomeQuery() { return QStringLiteral("5/99/0/ ///1/1/"); }
 QString ReceivedOnAccount() { return QStringLiteral("6/0/"); }
@@ -214,5 +219,22 @@ QString ProgramAlternativePayment(int alternative, const QString& text)
 }
 
 QString EftBatch(int terminal) { return fill(u"\\/15/%1/////////////////", n(terminal)); }
+
+QStringList PendingPaymentNotice()
+{
+    QStringList notice{
+        CustomerDisplay(1, QStringLiteral("ΕΚΚΡΕΜ. ΠΛΗΡΩΜΕΣ")),
+        CustomerDisplay(2, QString(16, QLatin1Char(' '))),
+        Comment(2, QStringLiteral("ΠΡΟΣΟΧΗ!")),
+        Comment(1, QStringLiteral(" Η ΑΠΟΔΕΙΞΗ ΠΕΡΙΕΧΕΙ ΠΛΗΡΩΜΕΣ ")),
+        Comment(1, QStringLiteral("   ΠΙΣΤ.ΚΑΡΤΩΝ ΠΟΥ ΑΠΕΤΥΧΑΝ")),
+        Comment(1, QStringLiteral("ΥΠΑΡΧΕΙ ΥΠΟΛΟΙΠΟ ΠΡΟΣ ΕΙΣΠΡΑΞΗ")),
+        Comment(1, QStringLiteral("       ΑΠΟ ΤΟΝ ΠΕΛΑΤΗ")),
+    };
+    constexpr int kEmptyLines = 5;
+    for (int i = 0; i < kEmptyLines; ++i)
+        notice << Comment(1, QString());
+    return notice;
+}
 
 } // namespace DeviceCommands

@@ -56,6 +56,8 @@ QString Payment(int payment, double amount, const QString& text);
 QString PaymentWithoutText(int payment, double amount);
 QString CardPayment(int payment, double amount, const QString& text, int terminal);
 QString CardReplacementPayment(int payment, double amount); // text "ΑΝΤΙ ΚΑΡΤΑΣ"
+// The alternative of a tot card payment: "ΑΝΤΙ:" and the text, cut to 15 together.
+QString CardReplacementPaymentWithText(int payment, double amount, const QString& text);
 QString ZeroPayment();                                      // 5/1/0.00////
 QString EftOutcomeQuery();                                  // 5/99/0/ ///1/1/
 QString ReceivedOnAccount();                                // 6/0/  (roa)
@@ -111,5 +113,8 @@ QString TaxServerSettings(bool connect, const QString& server, const QString& ae
                           const QString& qrAddress);
 QString ProgramAlternativePayment(int alternative, const QString& text);
 QString EftBatch(int terminal);
+// The notice of a receipt whose card payment was replaced: two display lines,
+// then the printed warning and five empty lines, in the order they go out.
+QStringList PendingPaymentNotice();
 
 } // namespace DeviceCommands

@@ -81,7 +81,8 @@ bool SimProcess::start(const QStringList& wireArgs)
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
     m_process->setReadChannel(QProcess::StandardError);
     m_process->start(kSimProgram, wireArgs + QStringList{QStringLiteral("--journal"), journalPath(),
-                                                         QStringLiteral("--tape"), tapePath()});
+                                                         QStringLiteral("--tape"), tapePath()}
+                                        + m_extraArguments);
     if (!m_process->waitForStarted(kStartMs)) {
         m_error = m_process->errorString();
         return false;

@@ -21,6 +21,9 @@ public:
     // Links the slave of a new pseudo-terminal at <workDir>/ecr, paced at baud.
     bool startPty(int baud);
 
+    // Arguments for the next start, behind the wire's (a --faults script, for one).
+    void setExtraArguments(const QStringList& arguments) { m_extraArguments = arguments; }
+
     // The port field of kerbano's command line for this register.
     QString portField() const { return m_portField; }
     QString journalPath() const;
@@ -38,5 +41,6 @@ private:
     QString m_workDir;
     QString m_portField;
     QString m_error;
+    QStringList m_extraArguments;
     std::unique_ptr<QProcess> m_process;
 };

@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QtEndian>
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -84,6 +86,119 @@ TEST_F(PaymentMapTest, AnUnreadableMapOrABadNumberIsToldAndCountsAsNotActive)
     PayEftRecord w;
     w.payId = 5;
     EXPECT_EQ(WritePayEftRecord(path, w), -1);
+}
+
+void writeBytes(const QString& path, const QByteArray& bytes)
+{
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(f.write(bytes), bytes.size());
+}
+
+// A record's 14 bytes, laid out by hand as a damaged or foreign file would hold them.
+QByteArray recordBytes(const PayEftRecord& r)
+{
+    QByteArray bytes(14, '\0');
+    const qint16 fields[] = {r.payId, r.ecrPayment, r.ecrEft, r.active, r.preCollect, r.retries,
+                             r.altPayment};
+    for (int i = 0; i < 7; ++i)
+        qToLittleEndian<qint16>(fields[i], bytes.data() + 2 * i);
+    return bytes;
+}
+
+PayEftRecord goodCard(qint16 payId)
+{
+    PayEftRecord r;
+    r.payId = payId;
+    r.ecrPayment = 3;
+    r.ecrEft = 12;
+    r.active = -1;
+    r.retries = 2;
+    r.altPayment = 10;
+    return r;
+}
+
+TEST_F(PaymentMapTest, AShortFileReadsZerosBehindItsEndAndAHugeOneOnlyItsSlot)
+{
+    writeBytes(path, QByteArray::fromHex("0100" "0300" "02")); // 5 bytes
+    PayEftRecord r = PaymentMapLookup(1, path, op);
+    EXPECT_EQ(r.payId, 1);
+    EXPECT_EQ(r.ecrPayment, 3);
+    EXPECT_EQ(r.ecrEft, 2);
+    EXPECT_FALSE(r.isActive());
+    EXPECT_TRUE(op.messages.isEmpty());
+
+    // 10 MB: a record far inside the file is read from its own slot.
+    QByteArray big(10 * 1024 * 1024, '\0');
+    big.replace((5000 - 1) * 128, 14, recordBytes(goodCard(5000)));
+    writeBytes(path, big);
+    r = PaymentMapLookup(5000, path, op);
+    EXPECT_TRUE(r.isActive());
+    EXPECT_EQ(r.ecrEft, 12);
+    EXPECT_EQ(r.altPayment, 10);
+    EXPECT_FALSE(PaymentMapLookup(4999, path, op).isActive());
+    EXPECT_TRUE(op.messages.isEmpty());
+}
+
+TEST_F(PaymentMapTest, AnActiveRecordWithAFieldOutOfRangeIsAnOrdinaryPaymentToldOnce)
+{
+    const auto spoil = [](const std::function<void(PayEftRecord&)>& change) {
+        PayEftRecord r = goodCard(2);
+        change(r);
+        return r;
+    };
+    const PayEftRecord bad[] = {
+        spoil([](PayEftRecord& r) { r.active = 1; }),
+        spoil([](PayEftRecord& r) { r.active = 0x4141; }),
+        spoil([](PayEftRecord& r) { r.preCollect = 7; }),
+        spoil([](PayEftRecord& r) { r.payId = 9; }),
+        spoil([](PayEftRecord& r) { r.ecrPayment = -1; }),
+        spoil([](PayEftRecord& r) { r.ecrPayment = 11; }),
+        spoil([](PayEftRecord& r) { r.ecrEft = -3; }),
+        spoil([](PayEftRecord& r) { r.ecrEft = 13; }),
+        spoil([](PayEftRecord& r) { r.retries = -1; }),
+        spoil([](PayEftRecord& r) { r.retries = 21; }),
+        spoil([](PayEftRecord& r) { r.altPayment = -2; }),
+        spoil([](PayEftRecord& r) { r.altPayment = 11; }),
+    };
+    for (const PayEftRecord& written : bad) {
+        writeBytes(path, QByteArray(128, '\0') + recordBytes(written));
+        op.messages.clear();
+        const PayEftRecord r = PaymentMapLookup(2, path, op);
+        EXPECT_FALSE(r.isActive());
+        EXPECT_FALSE(r.isPreCollect());
+        ASSERT_EQ(op.messages.size(), 1);
+        EXPECT_EQ(op.messages[0].text,
+                  "Λάθος παράμετροι πληρωμής 2 στο payeft.dat: η πληρωμή γίνεται χωρίς EFTPOS");
+    }
+
+    // The edges of every range are good, and an inactive record is never judged.
+    op.messages.clear();
+    PayEftRecord edge = goodCard(2);
+    edge.ecrPayment = 10;
+    edge.ecrEft = 0; // "Ανενεργό" on the window: the register refuses it at each attempt
+    edge.retries = 20;
+    edge.altPayment = 0;
+    edge.preCollect = -1;
+    ASSERT_EQ(WritePayEftRecord(path, edge), 0);
+    EXPECT_TRUE(PaymentMapLookup(2, path, op).isPreCollect());
+    PayEftRecord off;
+    off.payId = 2;
+    off.ecrEft = 99;
+    ASSERT_EQ(WritePayEftRecord(path, off), 0);
+    EXPECT_FALSE(PaymentMapLookup(2, path, op).isActive());
+    EXPECT_TRUE(op.messages.isEmpty());
+}
+
+TEST_F(PaymentMapTest, GarbageReadsAsNoCardPayment)
+{
+    QByteArray garbage;
+    for (int i = 0; i < 4096; ++i)
+        garbage.append(char((i * 37 + 11) & 0xff));
+    writeBytes(path, garbage);
+    for (int payment = 1; payment <= 32; ++payment)
+        EXPECT_FALSE(PaymentMapLookup(payment, path, op).isActive()) << payment;
+    EXPECT_LE(op.messages.size(), 32);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 #include "operations/FPrinterOperations.h"
-#include "payments/UnavailableCardRoads.h"
+#include "payments/EftCardRoads.h"
 #include "pipeline/PrintFileInterpreter.h"
 #include "records/ReceiptState.h"
 #include "shell/Clock.h"
@@ -41,7 +41,7 @@ protected:
     ReceiptState receipt;
     ModuleVariables vars;
     clsind progress{form};
-    UnavailableCardRoads cards{link};
+    EftCardRoads cards{link, vars, person, clock};
     struct : ResultSink {
         QStringList lines;
         void appendResultLine(const QString& line) override { lines << line; }

@@ -29,6 +29,8 @@ TEST(DeviceCommands, TextsAreCutNumbersFormattedAndEveryEmptyFieldCounted)
         {dc::PaymentWithoutText(2, 3), "5/2/3.00///////"},
         {dc::CardPayment(3, 10, "VISA", 2), "5/3/10.00/VISA///2/1/"},
         {dc::CardReplacementPayment(1, 10), "5/1/10.00/ΑΝΤΙ ΚΑΡΤΑΣ//////"},
+        {dc::CardReplacementPaymentWithText(2, 7.5, "VISA GOLD CARD"), "5/2/7.50/ΑΝΤΙ:VISA GOLD //////"},
+        {dc::CardPayment(3, 10, "", 12), "5/3/10.00////12/1/"},
         {dc::Comment(2, QString(35, 'B')), "7/1/2/BBBBBBBBBBBBBBBBBBBBBBBBBBBBBB/"},
         {dc::DocumentNumberLine("A17"), "7/1/2/#A17#/"},
         {dc::CancelCommand(4), "+/4/99/"},

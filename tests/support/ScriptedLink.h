@@ -16,6 +16,7 @@ public:
         bool quiet;
         qint16 timeoutSeconds;
         int logMode;
+        bool sendOnce;
     };
     struct Answer {
         qint16 status = 0;
@@ -69,7 +70,7 @@ private:
     DeviceReply doSend(const QString& command, const SendOptions& options) override
     {
         sent.append({command, options.quiet, options.timeoutSeconds == 0 ? qint16(3) : options.timeoutSeconds,
-                     options.logMode});
+                     options.logMode, options.sendOnce});
         Answer a;
         if (!(responder && responder(command, a)) && !queue.empty()) {
             a = queue.front();

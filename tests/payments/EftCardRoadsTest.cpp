@@ -1,0 +1,254 @@
+#include "payments/EftCardRoads.h"
+
+#include "PrintQString.h"
+#include "ScriptedLink.h"
+#include "ScriptedOperator.h"
+#include "shell/Clock.h"
+#include "shell/ModuleVariables.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kQuery = QStringLiteral("5/99/0/ ///1/1/");
+
+// The outcome query's reply with one transaction whose terminal text is text.
+QString queryReply(const QString& text)
+{
+    return QStringLiteral("00/00/00/1/1/2/3/10.00/VISA/****1234/123456/0101/05/42/7/978/ACQ/")
+        + text + QStringLiteral("/");
+}
+
+PayEftRecord cardRecord(qint16 retries, qint16 altPayment)
+{
+    PayEftRecord r;
+    r.payId = 4;
+    r.ecrPayment = 3;
+    r.ecrEft = 2;
+    r.active = -1;
+    r.retries = retries;
+    r.altPayment = altPayment;
+    return r;
+}
+
+class EftCardRoadsTest : public ::testing::Test {
+protected:
+    ScriptedLink link;
+    ScriptedOperator op;
+    VirtualClock clock;
+    ModuleVariables vars;
+    EftCardRoads roads{link, vars, op, clock};
+    // Terminal texts the outcome queries answer, in order; approved once they run out.
+    QStringList terminal;
+    // Statuses the card commands answer, in order; 0 once they run out.
+    QList<qint16> cardStatuses;
+    QList<bool> busyAtCard;
+
+    void SetUp() override
+    {
+        link.responder = [this](const QString& command, ScriptedLink::Answer& answer) {
+            if (command == kQuery) {
+                answer.reply = queryReply(terminal.isEmpty() ? QStringLiteral("APPROVED")
+                                                             : terminal.takeFirst());
+                return true;
+            }
+            if (command.endsWith(QLatin1String("/2/1/"))) {
+                busyAtCard << vars.EftBusy;
+                answer.status = cardStatuses.isEmpty() ? qint16(0) : cardStatuses.takeFirst();
+                return true;
+            }
+            return false;
+        };
+    }
+
+    int count(const QString& command) const { return link.commands().count(command); }
+};
+
+TEST_F(EftCardRoadsTest, AnApprovedCardIsOneCommandSentOnceWithTheLongWaitThenTheQuery)
+{
+    roads.payInReceipt(cardRecord(2, 1), 10.0, QStringLiteral("VISA ΠΕΛΑΤΗ/1"), QStringLiteral("T1"));
+
+    EXPECT_EQ(link.commands(), (QStringList{"5/3/10.00/VISA ΠΕΛΑΤΗ/1///2/1/", kQuery}));
+    const ScriptedLink::Sent& card = link.sent.at(0);
+    EXPECT_FALSE(card.quiet);
+    EXPECT_EQ(card.timeoutSeconds, 301);
+    EXPECT_EQ(card.logMode, SendOptions::kLogModeCard);
+    EXPECT_TRUE(card.sendOnce);
+    const ScriptedLink::Sent& query = link.sent.at(1);
+    EXPECT_FALSE(query.quiet);
+    EXPECT_EQ(query.logMode, SendOptions::kLogModeResultFile);
+    EXPECT_FALSE(query.sendOnce);
+    EXPECT_EQ(busyAtCard, QList<bool>{true});
+    EXPECT_FALSE(vars.EftBusy);
+    EXPECT_FALSE(vars.EftFallbackUsed);
+}
+
+TEST_F(EftCardRoadsTest, RetriesRunOutThenTheAlternativePaysAndTheNoticePrintsOnce)
+{
+    terminal = {"TRANSACTION WAS DECLINED", "DECLINED BY THE HOST", "COMMUNICATION PROBLEM"};
+    roads.payInReceipt(cardRecord(2, 1), 12.5, QStringLiteral("MASTERCARD ΧΡΥΣΗ"), QStringLiteral("T1"));
+
+    EXPECT_EQ(count("5/3/12.50/MASTERCARD ΧΡΥΣΗ///2/1/"), 3);
+    EXPECT_EQ(count(kQuery), 3);
+    // "ΑΝΤΙ:" and the text, 15 characters together.
+    EXPECT_EQ(link.commands().last(), "5/1/12.50/ΑΝΤΙ:MASTERCARD//////");
+    EXPECT_TRUE(vars.EftFallbackUsed);
+    EXPECT_FALSE(vars.EftBusy);
+
+    link.sent.clear();
+    roads.PrintPendingPaymentNotice();
+    EXPECT_EQ(link.commands(),
+              (QStringList{"7/0/1/ΕΚΚΡΕΜ. ΠΛΗΡΩΜΕΣ/", "7/0/2/                /", "7/1/2/ΠΡΟΣΟΧΗ!/",
+                           "7/1/1/ Η ΑΠΟΔΕΙΞΗ ΠΕΡΙΕΧΕΙ ΠΛΗΡΩΜΕΣ /",
+                           "7/1/1/   ΠΙΣΤ.ΚΑΡΤΩΝ ΠΟΥ ΑΠΕΤΥΧΑΝ/",
+                           "7/1/1/ΥΠΑΡΧΕΙ ΥΠΟΛΟΙΠΟ ΠΡΟΣ ΕΙΣΠΡΑΞΗ/", "7/1/1/       ΑΠΟ ΤΟΝ ΠΕΛΑΤΗ/",
+                           "7/1/1//", "7/1/1//", "7/1/1//", "7/1/1//", "7/1/1//"}));
+    EXPECT_FALSE(vars.EftFallbackUsed);
+    link.sent.clear();
+    roads.PrintPendingPaymentNotice();
+    EXPECT_TRUE(link.sent.isEmpty());
+}
+
+TEST_F(EftCardRoadsTest, AFinalRefusalEndsTheAttemptsAndWithoutAlternativeNothingMoreIsSent)
+{
+    terminal = {"DECLINED BY THE TERMINAL"};
+    roads.payInReceipt(cardRecord(2, 0), 5.0, QString(), QStringLiteral("T"));
+    EXPECT_EQ(link.commands(), (QStringList{"5/3/5.00////2/1/", kQuery}));
+    EXPECT_FALSE(vars.EftFallbackUsed);
+
+    // An alternative the register refuses gives no notice either.
+    link.sent.clear();
+    terminal = {"USER CANCELLATION OR TIMEOUT"};
+    link.queue.push_back({0x40, QStringLiteral("inactive payment")});
+    roads.payInReceipt(cardRecord(0, 6), 5.0, QStringLiteral("X"), QStringLiteral("T"));
+    EXPECT_EQ(link.commands().last(), "5/6/5.00/ΑΝΤΙ:X//////");
+    EXPECT_FALSE(vars.EftFallbackUsed);
+}
+
+TEST_F(EftCardRoadsTest, ABusyTerminalGetsThreeSecondsAndANoContactIsAPlainNextAttemptOutsideATable)
+{
+    terminal = {"POS IS BUSY", "SEND:TIMEOUT WHILE SEND DATA TO POS (3)"};
+    const qint64 start = clock.monotonicMs();
+    roads.payInReceipt(cardRecord(2, 0), 1.0, QString(), QStringLiteral("T"));
+    EXPECT_EQ(clock.monotonicMs() - start, EftCardRoads::kBusyTerminalWaitMs);
+    EXPECT_EQ(count("5/3/1.00////2/1/"), 3);
+    EXPECT_EQ(count(")/33/"), 0);
+}
+
+TEST_F(EftCardRoadsTest, OnlyTheStatusesOfATakenPaymentAreQueriedOthersTryAgainAtOnce)
+{
+    cardStatuses = {0xBC, 193, 207};
+    terminal = {"TRANSACTION WAS DECLINED", "TRANSACTION WAS DECLINED"};
+    roads.payInReceipt(cardRecord(2, 0), 2.0, QString(), QStringLiteral("T"));
+    EXPECT_EQ(link.commands(), (QStringList{"5/3/2.00////2/1/", "5/3/2.00////2/1/", kQuery,
+                                            "5/3/2.00////2/1/", kQuery}));
+    EXPECT_EQ(busyAtCard, (QList<bool>{true, true, true}));
+}
+
+TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgainUnlearnt)
+{
+    // The register tells: the terminal declined, so the next attempt may go.
+    cardStatuses = {-4};
+    terminal = {"DECLINED BY THE HOST"};
+    roads.payInReceipt(cardRecord(1, 0), 3.0, QString(), QStringLiteral("T"));
+    EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery, "5/3/3.00////2/1/", kQuery}));
+    EXPECT_TRUE(op.messages.isEmpty());
+
+    // The register cannot tell: no card command, no alternative, the operator told.
+    link.sent.clear();
+    cardStatuses = {-4};
+    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+        if (command == kQuery) {
+            a.status = -4;
+            return true;
+        }
+        return first(command, a);
+    };
+    roads.payInReceipt(cardRecord(3, 1), 3.0, QString(), QStringLiteral("T"));
+    EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery}));
+    ASSERT_EQ(op.messages.size(), 1);
+    EXPECT_TRUE(op.messages[0].text.startsWith(QStringLiteral("Άγνωστη έκβαση πληρωμής με κάρτα")));
+    EXPECT_FALSE(vars.EftFallbackUsed);
+    EXPECT_FALSE(vars.EftBusy);
+}
+
+TEST_F(EftCardRoadsTest, ALostAnswerIsNoApprovalWhenTheRegisterListsNoTransaction)
+{
+    cardStatuses = {-207};
+    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+        if (command == kQuery) {
+            a.reply = QStringLiteral("00/00/00/0/");
+            return true;
+        }
+        return first(command, a);
+    };
+    roads.payInReceipt(cardRecord(2, 1), 3.0, QString(), QStringLiteral("T"));
+    EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery}));
+    EXPECT_EQ(op.messages.size(), 1);
+}
+
+TEST_F(EftCardRoadsTest, APayLineReadsTheBalanceForTheCardAndAgainForTheAlternative)
+{
+    terminal = {"INVALID CURRENCY"};
+    QList<double> balances{8.4, 3.1};
+    roads.payFromMapInReceipt(cardRecord(0, 1), [&] { return balances.takeFirst(); });
+    EXPECT_EQ(link.commands(), (QStringList{"5/3/8.40////2/1/", kQuery, "5/1/3.10/ΑΝΤΙ ΚΑΡΤΑΣ//////"}));
+    EXPECT_TRUE(vars.EftFallbackUsed);
+}
+
+TEST_F(EftCardRoadsTest, APreCollectionIsADocumentEachAttemptAndClosesAtZeroWhenUnpaid)
+{
+    PayEftRecord r = cardRecord(1, 4);
+    r.preCollect = -1;
+    terminal = {"TRANSACTION WAS DECLINED", "TRANSACTION WAS DECLINED"};
+    roads.payInReceipt(r, 20.0, QStringLiteral("VISA"), QStringLiteral("ΤΔΑ-17"));
+    const QStringList opening{"6/0/1//", "7/1/1/Αριθμ. Παραστατικού:/", "7/1/2/#ΤΔΑ-17#/"};
+    const QStringList expected = opening + QStringList{"5/3/20.00/VISA///2/1/", kQuery, "5/1/0.00////"}
+        + opening + QStringList{"5/3/20.00/VISA///2/1/", kQuery, "5/1/0.00////", "5/1/0.00////"};
+    EXPECT_EQ(link.commands(), expected);
+    EXPECT_FALSE(vars.EftFallbackUsed); // no alternative on this road
+
+    // A reference the register refuses sends no card command in that attempt.
+    link.sent.clear();
+    r.retries = 0;
+    link.queue = {{0, {}}, {0, {}}, {0x05, QStringLiteral("bad")}};
+    roads.payInReceipt(r, 20.0, QStringLiteral("VISA"), QStringLiteral("ΤΔΑ-17"));
+    EXPECT_EQ(count("5/3/20.00/VISA///2/1/"), 0);
+    EXPECT_EQ(link.commands().last(), "5/1/0.00////");
+}
+
+TEST_F(EftCardRoadsTest, ATableIsPaidQuietlyReleasesAnOutOfContactTerminalAndFallsBack)
+{
+    clsPayment payment;
+    payment.nPayment = 4;
+    payment.Amount = 0;
+    cardStatuses = {201, 201};
+    terminal = {"SEND:TIMEOUT WHILE SEND DATA TO POS", "BANK'S HOST UNREACHABLE"};
+    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+        if (command.startsWith(QLatin1String("&/3/12//0/1/"))) {
+            a.status = 201;
+            return true;
+        }
+        return first(command, a);
+    };
+    EXPECT_TRUE(roads.payTableByCard(cardRecord(1, 1), payment, 12, 2.5));
+    EXPECT_EQ(link.commands(),
+              (QStringList{"&/1/12//0///1/////2.50/////", "&/3/12//0/3///////0.00///2/1/", kQuery,
+                           ")/33/", ")/100/", "&/3/12//0/3///////0.00///2/1/", kQuery,
+                           "&/3/12//0/1///////0.00/////"}));
+    for (const ScriptedLink::Sent& s : link.sent) {
+        if (s.command != kQuery)
+            EXPECT_TRUE(s.quiet) << s.command.toStdString();
+    }
+    EXPECT_EQ(link.sent.at(1).logMode, SendOptions::kLogModeProbe);
+    EXPECT_EQ(link.sent.at(1).timeoutSeconds, 301);
+    EXPECT_TRUE(vars.EftFallbackUsed);
+
+    // Refused with no alternative: the table is not paid.
+    link.sent.clear();
+    terminal = {"MAC ERROR"};
+    EXPECT_FALSE(roads.payTableByCard(cardRecord(3, 0), payment, 12, 0));
+    EXPECT_EQ(link.commands().first(), "&/1/12//0////////0.00/////");
+}
+
+} // namespace
