@@ -60,7 +60,7 @@ void DevicePort::close()
 
 LinkBackend::Exchanged DevicePort::ExchangeCommand(const QString& command,
                                                    qint16& timeoutSeconds,
-                                                   bool ignoreOperatorBusy)
+                                                   bool ignoreOperatorBusy, int maxSends)
 {
-    return port_.backend->exchange(command, timeoutSeconds, ignoreOperatorBusy);
+    return port_.backend->exchange(command, timeoutSeconds, ignoreOperatorBusy, maxSends);
 }

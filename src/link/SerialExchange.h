@@ -29,7 +29,10 @@ public:
     SerialExchange(Transport& port, Clock& clock, CommunicationLog& log);
 
     // frame: the framed command. timeoutSeconds 0 becomes 3 and is written back.
-    DeviceReply run(const QString& frame, qint16& timeoutSeconds, bool ignoreOperatorBusy);
+    // maxFrames below kMaxFrames limits the frames that met silence; a frame
+    // the register refused with NACK was not taken and always goes out again.
+    DeviceReply run(const QString& frame, qint16& timeoutSeconds, bool ignoreOperatorBusy,
+                    int maxFrames = kMaxFrames);
 
     // Writes in pieces of at most 255 bytes; returns the bytes of the last piece.
     qint64 SerialWrite(const QString& text);

@@ -10,10 +10,21 @@ TcpBackend::TcpBackend(std::unique_ptr<clsNet_TCP> net, Clock& clock, Communicat
 }
 
 LinkBackend::Exchanged TcpBackend::exchange(const QString& command, qint16& timeoutSeconds,
-                                            bool ignoreOperatorBusy)
+                                            bool ignoreOperatorBusy, int maxSends)
 {
     Q_UNUSED(timeoutSeconds) // the network waits its own ten seconds a send
-    return {TcpExchange(*net_, clock_, log_).run(command, ignoreOperatorBusy), command};
+    return {TcpExchange(*net_, clock_, log_).run(command, ignoreOperatorBusy, maxSends), command};
+}
+
+void TcpBackend::dropStaleInput(int quietMs)
+{
+    Transport* connection = net_->connection();
+    TcpExchange exchange(*net_, clock_, log_);
+    while (connection && !connection->peerClosed() && connection->waitForData(quietMs)) {
+        if (connection->peerClosed())
+            break;
+        exchange.dropStaleBytes();
+    }
 }
 
 void TcpBackend::close()
