@@ -60,7 +60,8 @@ void DevicePort::close()
 
 LinkBackend::Exchanged DevicePort::ExchangeCommand(const QString& command,
                                                    qint16& timeoutSeconds,
-                                                   bool ignoreOperatorBusy, bool sendOnce)
+                                                   bool ignoreOperatorBusy, bool sendOnce,
+                                                   int maxSends)
 {
-    return port_.backend->exchange(command, timeoutSeconds, ignoreOperatorBusy, sendOnce);
+    return port_.backend->exchange(command, timeoutSeconds, ignoreOperatorBusy, sendOnce, maxSends);
 }

@@ -34,7 +34,10 @@ public:
 
     // One command over whichever backend the link opened, always quiet.
     LinkBackend::Exchanged ExchangeCommand(const QString& command, qint16& timeoutSeconds,
-                                           bool ignoreOperatorBusy, bool sendOnce = false);
+                                           bool ignoreOperatorBusy, bool sendOnce = false,
+                                           int maxSends = LinkBackend::kAllSends);
+    // Reads away what arrives until the line has been quiet for quietMs.
+    void dropStaleInput(int quietMs) { port_.backend->dropStaleInput(quietMs); }
 
 private:
     const ModuleVariables& vars_;

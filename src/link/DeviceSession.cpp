@@ -77,11 +77,18 @@ DeviceReply DeviceSession::doSend(const QString& command, const SendOptions& opt
     if (conversation.refused())
         return DeviceReply::linkFailure(kStatusInConversation, kInConversationText,
                                         ReplyOutcome::Busy);
+    const DocumentEffect effect = DocumentEffect::of(command);
+    const bool guarded = guardsDocument(effect, options);
+    if (guarded) {
+        if (const std::optional<DeviceReply> withheld = checkBeforePayment(effect))
+            return *withheld;
+    }
     qint16 timeoutSeconds = options.timeoutSeconds;
     for (;;) {
-        const LinkBackend::Exchanged exchanged =
-            port_.ExchangeCommand(command, timeoutSeconds, vars_.IgnoreOperatorBusy,
-                                  options.sendOnce);
+        const LinkBackend::Exchanged exchanged = guarded
+            ? exchangeDocumentCommand(command, effect, timeoutSeconds)
+            : port_.ExchangeCommand(command, timeoutSeconds, vars_.IgnoreOperatorBusy,
+                                    options.sendOnce);
         const DeviceReply& reply = exchanged.reply;
         if (!reply.ok() && !options.quiet) {
             ShowDeviceMessage(reply.status(), reply.text());
@@ -91,6 +98,7 @@ DeviceReply DeviceSession::doSend(const QString& command, const SendOptions& opt
         }
         if (!reply.ok() && options.logMode == SendOptions::kLogModeResultFile)
             appendErrLine(reply.status(), exchanged.sentForm);
+        followDocument(command, effect, options, reply);
         return reply;
     }
 }

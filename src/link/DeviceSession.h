@@ -1,7 +1,11 @@
 #pragma once
 
 #include "link/DeviceLink.h"
+#include "link/DocumentLedger.h"
+#include "link/LinkBackend.h"
 #include "link/cPortProp.h"
+
+#include <optional>
 
 class Clock;
 class CommunicationLog;
@@ -39,6 +43,19 @@ public:
     static constexpr qint16 kPollWaitSecondsEft = 270;
     static constexpr qint16 kOperatorBusyPauseMs = 10000;
     static constexpr int kMessageWidth = 40;
+
+    // Safe resends of the commands that change the receipt in hand: one whose
+    // reply was lost goes out again only when the register's figures show it
+    // was not executed; one whose frame never got through (ENQ unanswered) is
+    // sent again at once. Limits of both, and how the late bytes are waited out.
+    static constexpr int kMaxDocumentSends = 4;
+    static constexpr int kMaxUnsentResends = 3;
+    static constexpr int kFigureQueries = 4;
+    static constexpr int kStaleQuietMs = 1500;
+    // A payment the driver withholds: the register's figures differ from the
+    // lines it confirmed (the receipt is voided), or the job was stopped so.
+    static constexpr qint16 kStatusTotalsDiffer = -31;
+    static constexpr qint16 kStatusJobStopped = -32;
 
     // Holds the session for one conversation. Conversations nest on the
     // session's own account; one begun while the session runs the event loop
@@ -85,6 +102,9 @@ public:
     // True while the device-wait window is up for a device status.
     bool WaitFormOpen() const { return waitFormOpen_; }
 
+    // A print job begins: no receipt in hand, nothing in doubt.
+    void beginReceiptWatch();
+
 private:
     DeviceReply doSend(const QString& command, const SendOptions& options) override;
     void openSerial(const QString& port, const QString& device, qint16& status, QString& reply,
@@ -93,6 +113,16 @@ private:
                  bool quiet);
     void runWaitWindow(qint16 status, const QString& reply);
     void appendErrLine(qint16 status, const QString& sentForm);
+
+    // The resend decision for the commands that change the receipt in hand.
+    bool guardsDocument(const DocumentEffect& effect, const SendOptions& options) const;
+    LinkBackend::Exchanged exchangeDocumentCommand(const QString& command,
+                                                   const DocumentEffect& effect,
+                                                   qint16& timeoutSeconds);
+    std::optional<ReceiptFiguresQuery::Answer> askFigures();
+    std::optional<DeviceReply> checkBeforePayment(const DocumentEffect& effect);
+    void followDocument(const QString& command, const DocumentEffect& effect,
+                        const SendOptions& options, const DeviceReply& reply);
 
     DevicePort& port_;
     ModuleVariables& vars_;
@@ -104,4 +134,8 @@ private:
     bool waitFormOpen_ = false;
     int depth_ = 0;
     bool pumping_ = false;
+    DocumentLedger ledger_;
+    bool receiptInDoubt_ = false; // a lost reply was judged by the figures
+    bool receiptShort_ = false;   // a line may be missing or doubled without a word
+    bool receiptStopped_ = false; // the payment was withheld
 };

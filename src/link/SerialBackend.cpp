@@ -14,7 +14,8 @@ SerialBackend::SerialBackend(std::unique_ptr<Transport> comHandle, Clock& clock,
 }
 
 LinkBackend::Exchanged SerialBackend::exchange(const QString& command, qint16& timeoutSeconds,
-                                               bool ignoreOperatorBusy, bool sendOnce)
+                                               bool ignoreOperatorBusy, bool sendOnce,
+                                               int maxSends)
 {
     bool invalid = false;
     const QString frame = FrameCommand(command, &invalid);
@@ -26,9 +27,18 @@ LinkBackend::Exchanged SerialBackend::exchange(const QString& command, qint16& t
             timeoutSeconds = SerialExchange::kDefaultEnqWaitSeconds;
         return {SerialExchange::noEnqAnswer(), frame};
     }
-    return {SerialExchange(*comHandle_, clock_, log_).run(frame, timeoutSeconds, ignoreOperatorBusy,
-                                                                sendOnce),
+    return {SerialExchange(*comHandle_, clock_, log_)
+                .run(frame, timeoutSeconds, ignoreOperatorBusy, maxSends, sendOnce),
             frame};
+}
+
+void SerialBackend::dropStaleInput(int quietMs)
+{
+    if (!comHandle_)
+        return;
+    SerialExchange exchange(*comHandle_, clock_, log_);
+    while (comHandle_->waitForData(quietMs))
+        exchange.DrainLink();
 }
 
 void SerialBackend::close()

@@ -17,8 +17,9 @@ public:
                   Operator& op);
 
     bool isTcp() const override { return false; }
-    Exchanged exchange(const QString& command, qint16& timeoutSeconds,
-                       bool ignoreOperatorBusy, bool sendOnce) override;
+    Exchanged exchange(const QString& command, qint16& timeoutSeconds, bool ignoreOperatorBusy,
+                       bool sendOnce, int maxSends = kAllSends) override;
+    void dropStaleInput(int quietMs) override;
     void close() override;
 
     // The open serial port; null when none.

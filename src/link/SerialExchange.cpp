@@ -64,7 +64,7 @@ DeviceReply SerialExchange::noEnqAnswer()
 }
 
 DeviceReply SerialExchange::run(const QString& frame, qint16& timeoutSeconds,
-                                bool ignoreOperatorBusy, bool sendOnce)
+                                bool ignoreOperatorBusy, int maxFrames, bool sendOnce)
 {
     if (timeoutSeconds == 0)
         timeoutSeconds = kDefaultEnqWaitSeconds;
@@ -73,6 +73,7 @@ DeviceReply SerialExchange::run(const QString& frame, qint16& timeoutSeconds,
     QString enqAnswer;
     QString buffer;
     int framesSent = 0;
+    int silentFrames = 0;
 
     for (;;) {
         SerialWrite(QString(QChar(linkbytes::ENQ)));
@@ -93,6 +94,7 @@ DeviceReply SerialExchange::run(const QString& frame, qint16& timeoutSeconds,
         log(QStringLiteral(" send:     ") + frame);
         // Bytes that arrive do not extend the deadline of a frame.
         const qint64 replyDeadline = clock_.monotonicMs() + replyWaitMs;
+        const qsizetype frameStart = buffer.size();
         bool complete = false;
         for (;;) {
             if (!buffer.isEmpty() && buffer.back() == QChar(linkbytes::ETX)) {
@@ -106,7 +108,9 @@ DeviceReply SerialExchange::run(const QString& frame, qint16& timeoutSeconds,
         if (complete)
             break;
 
-        if (sendOnce || ++framesSent >= kMaxFrames)
+        if (!buffer.mid(frameStart).contains(QChar(linkbytes::NACK)))
+            ++silentFrames;
+        if (sendOnce || ++framesSent >= kMaxFrames || silentFrames >= maxFrames)
             return DeviceReply::linkFailure(
                 kStatusNoReply, QStringLiteral("Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !"),
                 ReplyOutcome::NoReply);

@@ -29,10 +29,12 @@ public:
     SerialExchange(Transport& port, Clock& clock, CommunicationLog& log);
 
     // frame: the framed command. timeoutSeconds 0 becomes 3 and is written back.
+    // maxFrames below kMaxFrames limits the frames that met silence; a frame
+    // the register refused with NACK was not taken and always goes out again.
     // sendOnce: one frame only, its reply awaited for timeoutSeconds (a card
     // payment, which must not reach the register twice).
     DeviceReply run(const QString& frame, qint16& timeoutSeconds, bool ignoreOperatorBusy,
-                    bool sendOnce = false);
+                    int maxFrames = kMaxFrames, bool sendOnce = false);
 
     // Writes in pieces of at most 255 bytes; returns the bytes of the last piece.
     qint64 SerialWrite(const QString& text);

@@ -15,8 +15,9 @@ public:
     TcpBackend(std::unique_ptr<clsNet_TCP> net, Clock& clock, CommunicationLog& log);
 
     bool isTcp() const override { return true; }
-    Exchanged exchange(const QString& command, qint16& timeoutSeconds,
-                       bool ignoreOperatorBusy, bool sendOnce) override;
+    Exchanged exchange(const QString& command, qint16& timeoutSeconds, bool ignoreOperatorBusy,
+                       bool sendOnce, int maxSends = kAllSends) override;
+    void dropStaleInput(int quietMs) override;
     void close() override;
 
     clsNet_TCP& TCPClass() const { return *net_; }

@@ -65,6 +65,7 @@ void Driver::interpretLines(const QStringList& lines, const JobSettings& setting
                                link_, person_, clock_, cards_, engine_.resultSink(),
                                orCurrent(options_.workingDirectory),
                                [this] { reports_.dailyZ(); }, &tables_};
+    link_.beginReceiptWatch();
     PrintFileInterpreter interpreter(std::move(context), settings);
     interpreter.run(lines, [&lineReached](int i) { lineReached(i); });
 }

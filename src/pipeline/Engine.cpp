@@ -223,7 +223,7 @@ void Engine::commandLineJob()
     mFile::DeleteFile(path);
     inJob_ = false;
     command1();
-    unload();
+    unload(job_.exitStatus());
 }
 
 // The register may still be waking: ask it a few times. A register that

@@ -11,10 +11,22 @@
 #include "shell/Paths.h"
 #include "shell/ProgressIndicator.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QScopeGuard>
 #include <exception>
 
 namespace {
+bool printFileReadable(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists() && !info.isSymLink())
+        return true; // nothing there: the job runs on an empty file, as it always did
+    QFile file(path);
+    return info.isFile() && file.open(QIODevice::ReadOnly);
+}
+
 const QString kTitleBeforeDevice = QStringLiteral("Μύνημα Kerbano");
 constexpr int kAmountDecimals = 2;
 } // namespace
@@ -34,6 +46,19 @@ PrintJob::PrintJob(Clock& clock, Operator& person, FormModel& form, ModuleVariab
 void PrintJob::run(const QString& path, const JobSettings& settings)
 {
     Q_ASSERT(parts_);
+    exitStatus_ = 0;
+    // A directory, a symlink that leads nowhere or a file that cannot be
+    // read is no print file: it gets a message and no result that reads
+    // like a printed receipt.
+    if (!printFileReadable(path)) {
+        person_.message(messageTitle(),
+                        QStringLiteral("Το αρχείο %1 δεν είναι αρχείο εκτύπωσης που διαβάζεται "
+                                       "και δεν εκτυπώθηκε.")
+                            .arg(QDir::toNativeSeparators(path)),
+                        Operator::Icon::Critical);
+        exitStatus_ = kExitBadPrintFile;
+        return;
+    }
     const QString text = mFile::ReadWholeFile(path);
     open(text);
     const auto done = qScopeGuard([this] { inHand_ = false; });
@@ -55,6 +80,7 @@ void PrintJob::open(const QString& text)
     vars_.JobTag = mFile::ReadTagLine(text);
     inHand_ = true;
     writeFailed_ = false;
+    notes_.clear();
 }
 
 void PrintJob::walkLines(const QStringList& lines, const JobSettings& settings)
@@ -106,6 +132,8 @@ void PrintJob::close()
                          .arg(figures.recNumberProgr)
                          .arg(figures.recNumberDaily)
                          .arg(figures.ordNumber));
+    for (const QString& note : std::as_const(notes_))
+        appendResultLine(note);
     appendResultLine(QStringLiteral("exitcode = 0"));
     form_.setLblreceipt(QString::number(figures.recNumberDaily));
 
@@ -118,10 +146,19 @@ void PrintJob::close()
     inHand_ = false;
 
     if (writeFailed_) {
+        exitStatus_ = kExitResultUnwritten;
         person_.message(messageTitle(),
                         QStringLiteral("Δεν ήταν δυνατή η εγγραφή στο αρχείο αποτελεσμάτων : ") + vars_.ResultPath,
                         Operator::Icon::Warning);
     }
+}
+
+void PrintJob::noteBeforeExit(const QString& line)
+{
+    if (!inHand_)
+        return;
+    notes_ << line;
+    exitStatus_ = kExitNotAsAsked;
 }
 
 void PrintJob::appendResultLine(const QString& line)

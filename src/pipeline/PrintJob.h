@@ -34,6 +34,15 @@ public:
     bool inHand() const { return inHand_; }
 
     void appendResultLine(const QString& line) override;
+    void noteBeforeExit(const QString& line) override;
+
+    // The exit status of the command-line life after the last job: 0 printed
+    // as asked (or recovered), kExitNotAsAsked when a note says otherwise,
+    // kExitBadPrintFile when the print file could not be read as one.
+    static constexpr int kExitNotAsAsked = 3;
+    static constexpr int kExitBadPrintFile = 4;
+    static constexpr int kExitResultUnwritten = 5;
+    int exitStatus() const { return exitStatus_; }
 
 private:
     void open(const QString& text);
@@ -51,4 +60,6 @@ private:
     JobParts* parts_ = nullptr;
     bool inHand_ = false;
     bool writeFailed_ = false;
+    QStringList notes_;
+    int exitStatus_ = 0;
 };

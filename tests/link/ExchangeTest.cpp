@@ -174,6 +174,20 @@ TEST_F(SerialExchangeTest, LateNackOrMisplacedEtxSendsTheFrameAgain)
     }
 }
 
+TEST_F(SerialExchangeTest, OneSilentFrameAtMostWhereACommandMustNotGoOutTwiceBlindlyButNackedFramesGoAgain)
+{
+    device([this](int frame) {
+        if (frame == 1)
+            port.deliver("\x15", 5);
+        else if (frame == 3)
+            port.deliver(replyFrame("00/00/00/"), 5);
+    });
+    const DeviceReply reply = SerialExchange(port, clock, log).run(FrameCommand("4/1.00//A/0/0/1/"), timeout, false, 1);
+    EXPECT_EQ(reply.status(), -4);
+    EXPECT_EQ(reply.outcome(), ReplyOutcome::NoReply);
+    EXPECT_EQ(frames, 2) << "the NACKed frame went again, the silent one did not";
+}
+
 TEST_F(SerialExchangeTest, LongFrameGoesOutInPiecesOf255)
 {
     device([this](int) { port.deliver(replyFrame("00/00/00/"), 30); });
@@ -238,6 +252,37 @@ TEST_F(TcpExchangeTest, SplitReplyFirstPieceIsTheReplyAndTheRestGoesToTheNextCom
     EXPECT_EQ(status, 6);
 }
 
+TEST_F(TcpExchangeTest, AReplyCutByTheNetworkIsOneReplyAndStaleBytesAreDroppedBeforeTheNextCommand)
+{
+    FakeTransport& t = open();
+    // The tail of an unclosed field is waited for; a closed reply takes what
+    // follows within the serial read's silence.
+    t.deliver("00/0", 20);
+    t.deliver("0/00/", 700);
+    t.deliver("1/2/", 710);
+    run("9/");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/1/2/");
+
+    // A late answer lies in the socket when the next command goes out: it is
+    // dropped and logged, and the next command reads its own reply.
+    t.deliver("06/00/00/");
+    clock.advance(100);
+    t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/", 5); };
+    run("?/");
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(logBytes().contains(" Buf       06/00/00/\r\n"));
+}
+
+TEST_F(TcpExchangeTest, OneSendWhereACommandMustNotGoOutTwiceBlindly)
+{
+    FakeTransport& t = open();
+    const DeviceReply silent = TcpExchange(net, clock, log).run("3/S/A//1.000/1.00/1/24.00/", false, 1);
+    EXPECT_EQ(silent.status(), -4);
+    EXPECT_EQ(silent.outcome(), ReplyOutcome::NoReply);
+    EXPECT_EQ(t.writes.size(), 1);
+}
+
 TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySecondsButAClosingPeerEndsAtOnce)
 {
     FakeTransport& t = open();
@@ -286,7 +331,9 @@ TEST_F(TcpExchangeTest, SendThatFailsFourTimesTellsTheOperator)
 
 TEST_F(TcpExchangeTest, NothingBeyond2049BytesIsTaken)
 {
-    open().deliver("00/00/00/" + QByteArray(3000, 'x'));
+    // The reply comes to the command; what lay in the socket before it would be dropped.
+    FakeTransport& t = open();
+    t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/" + QByteArray(3000, 'x'), 5); };
     run("?/");
     EXPECT_EQ(reply.size(), 2049);
 }

@@ -79,3 +79,38 @@ TEST_F(EngineTest, CommandLineGivesUpOnASilentRegisterAndKeepsTheFileUnprinted)
     ASSERT_FALSE(person.messages.isEmpty());
     EXPECT_TRUE(person.messages.last().text.startsWith(QStringLiteral("Η φορολογική ταμειακή δεν απαντά.")));
 }
+
+TEST_F(EngineTest, AJobNoteStandsJustBeforeExitcodeAndTheCommandLineEndsWithItsStatus)
+{
+    parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
+        if (!line.contains(QStringLiteral("PLU")))
+            return true;
+        engine->resultSink().noteBeforeExit(QStringLiteral("jobNote = voided;totals;17.50;7.50"));
+        engine->resultSink().appendResultLine(QStringLiteral("Err = -31, [5/1/7.50/ΜΕΤΡΗΤΑ//////] DateTime = x"));
+        return true;
+    });
+    put(QStringLiteral("print.txt"), "tag:  cl\r\n PLU x\r\n");
+    start(QStringLiteral("com1,9600,in/print.txt,0,TECFP,1111111"));
+    EXPECT_TRUE(engine->hasEnded());
+    EXPECT_EQ(engine->exitCode(), PrintJob::kExitNotAsAsked);
+    const QStringList lines = resultLines();
+    ASSERT_GE(lines.size(), 3);
+    EXPECT_EQ(lines.last(), QStringLiteral("exitcode = 0"));
+    EXPECT_EQ(lines[lines.size() - 2], QStringLiteral("jobNote = voided;totals;17.50;7.50"));
+    EXPECT_EQ(lines.count(QStringLiteral("jobNote = voided;totals;17.50;7.50")), 1);
+}
+
+TEST_F(EngineTest, APrintFileThatIsADirectoryOrALoopingLinkIsNotPrintedAndLeavesNoResult)
+{
+    QDir(dir.path()).mkpath(QStringLiteral("in/print.txt"));
+    start(QStringLiteral("com1,9600,in/print.txt,0,TECFP,1111111"));
+    EXPECT_EQ(engine->exitCode(), PrintJob::kExitBadPrintFile);
+    EXPECT_TRUE(resultLines().isEmpty());
+    ASSERT_FALSE(person.messages.isEmpty());
+    EXPECT_TRUE(person.messages.last().text.contains(QStringLiteral("δεν εκτυπώθηκε")));
+
+    QFile::link(inPath(QStringLiteral("loop.txt")), inPath(QStringLiteral("loop.txt")));
+    start(QStringLiteral("com1,9600,in/loop.txt,0,TECFP,1111111"));
+    EXPECT_EQ(engine->exitCode(), PrintJob::kExitBadPrintFile);
+    EXPECT_TRUE(resultLines().isEmpty());
+}
