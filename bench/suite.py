@@ -262,6 +262,7 @@ def main():
             "<= 1.10")
 
         done = exitcodes(life.result)
+        journal_before = len(reg.exchanges())
         cpu0 = cpu_seconds(life.proc.pid)
         t0 = time.monotonic()
         for n in range(done + 1, done + BACK_TO_BACK + 1):
@@ -270,7 +271,11 @@ def main():
         wall = time.monotonic() - t0
         cpu = cpu_seconds(life.proc.pid) - cpu0
         per_minute = BACK_TO_BACK * 60 / wall
-        allowed = 60 / tcp_floor
+        # One receipt's floor from what the register saw of these receipts,
+        # on a link that stays open: no identification in it.
+        sent = reg.exchanges()[journal_before:]
+        per_receipt = (floor_seconds(sent) - JOB_WAIT_S) / BACK_TO_BACK + JOB_WAIT_S
+        allowed = 60 / per_receipt
         row("receipts a minute back to back / the job allows", "%.1f" % per_minute, "%.1f" % allowed,
             "%.3f" % (per_minute / allowed), ">= 50 a minute")
         row("CPU per receipt / the receipt's wall", "%.3f s" % (cpu / BACK_TO_BACK),
