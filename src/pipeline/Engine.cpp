@@ -11,6 +11,7 @@
 #include "shell/Paths.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace {
 const QString kCaptionSearching = QStringLiteral("Kerbano- Αναζήτηση");
@@ -375,23 +376,48 @@ void Engine::enter(EngineState state)
 
 void Engine::timer1Tick()
 {
+    tick(TickKind::Timer1);
+}
+
+Engine::ArrivalLook Engine::lookOnArrival()
+{
+    return tick(TickKind::Arrival);
+}
+
+QString Engine::printFolder() const
+{
+    if (commandLineLife() || !parametersRead_)
+        return QString();
+    return watch_.folder(settings_);
+}
+
+Engine::ArrivalLook Engine::tick(TickKind kind)
+{
     // A job pumps the event loop; a tick never runs inside another one. The
     // command-line life runs its one file from the start, not from a tick.
-    if (ended_ || inJob_ || !timer1_.armed || commandLineLife())
-        return;
+    if (ended_ || commandLineLife())
+        return ArrivalLook::NotNow;
+    if (inJob_)
+        return ArrivalLook::Busy;
+    if (!timer1_.armed)
+        return ArrivalLook::NotNow;
     const Work work(*this);
     inJob_ = true;
     progress_.setValue(0);
-    watch_.beginLook();
+    if (kind == TickKind::Timer1)
+        watch_.beginLook();
+    else
+        watch_.beginArrivalLook();
+    ArrivalLook outcome = ArrivalLook::Nothing;
     if (!readTickSettings()) {
         closeLinkIfOpen();
     } else {
         switch (FileWatch::wayOf(settings_)) {
         case FileWatch::Way::SingleFile:
-            singleFileTick();
+            outcome = singleFileTick();
             break;
         case FileWatch::Way::Polling:
-            pollingTick();
+            outcome = pollingTick(kind);
             break;
         case FileWatch::Way::Unknown:
             closeLinkIfOpen();
@@ -399,6 +425,7 @@ void Engine::timer1Tick()
         }
     }
     inJob_ = false;
+    return outcome;
 }
 
 bool Engine::readTickSettings()
@@ -418,25 +445,27 @@ bool Engine::readTickSettings()
 
 // One file, named whole; the program ends once it is printed. Until the file
 // is there and finished the tick only waits.
-void Engine::singleFileTick()
+Engine::ArrivalLook Engine::singleFileTick()
 {
     const std::optional<QString> path = watch_.singleFile(settings_);
     if (!path)
-        return;
+        return watch_.hasUnfinishedFile(settings_) ? ArrivalLook::Waiting : ArrivalLook::Nothing;
     openLinkIfClosed();
     getdata(*path, settings_);
     if (!FileWatch::keptAfterJob(*path, FileWatch::Way::SingleFile))
         mFile::DeleteFile(*path);
     unload();
+    return ArrivalLook::Kept;
 }
 
-void Engine::pollingTick()
+Engine::ArrivalLook Engine::pollingTick(TickKind kind)
 {
     const std::optional<QString> candidate = watch_.nextFile(settings_);
     if (!candidate) {
         // Nothing to print: let other programs have the port in the pause.
-        closeLinkIfOpen();
-        return;
+        if (kind == TickKind::Timer1)
+            closeLinkIfOpen();
+        return watch_.hasUnfinishedFile(settings_) ? ArrivalLook::Waiting : ArrivalLook::Nothing;
     }
     openLinkIfClosed();
     getdata(*candidate, settings_);
@@ -445,6 +474,7 @@ void Engine::pollingTick()
     showWaiting();
     enter(EngineState::Polling);
     // The link stays open for the next tick.
+    return QFileInfo::exists(*candidate) ? ArrivalLook::Kept : ArrivalLook::Printed;
 }
 
 void Engine::openLinkIfClosed()

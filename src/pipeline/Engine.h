@@ -73,8 +73,24 @@ public:
     // Where the parts below the job hand their result-file lines.
     ResultSink& resultSink() { return job_; }
 
+    // What a look on arrival came to; the watch decides from it when to look again.
+    enum class ArrivalLook {
+        NotNow,  // not polling: Timer1 is off, or the life is over
+        Busy,    // a start, a tick or a job is running: look once it is free
+        Nothing, // no print file
+        Waiting, // a print file is there but not finished
+        Printed, // one job ran and its file is gone: more may wait
+        Kept,    // one job ran and its file stayed (a program file)
+    };
+
     void Form_Load();
     void timer1Tick();
+    // The print-file folder changed: the same look as Timer1's tick, at once,
+    // except that finding nothing leaves the link as it is, for the file that
+    // is about to land. Only Timer1's ticks let the port go.
+    ArrivalLook lookOnArrival();
+    // The folder the print files land in; empty in the command-line life.
+    QString printFolder() const;
     void timer2Tick();
     void mTimerTick();
     void command1();
@@ -132,8 +148,10 @@ private:
     bool initializeForCommandLine();
     void startBatchFileWhenAsked();
 
-    void singleFileTick();
-    void pollingTick();
+    enum class TickKind { Timer1, Arrival };
+    ArrivalLook tick(TickKind kind);
+    ArrivalLook singleFileTick();
+    ArrivalLook pollingTick(TickKind kind);
     void openLinkIfClosed();
     void closeLinkIfOpen();
     QString messageTitle() const;

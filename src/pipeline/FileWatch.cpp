@@ -47,17 +47,41 @@ bool FileWatch::keptAfterJob(const QString& path, Way way)
     return path.endsWith(QLatin1String("prg.1"));
 }
 
+bool FileWatch::hasUnfinishedFile(const JobSettings& settings) const
+{
+    if (wayOf(settings) == Way::SingleFile)
+        return QFileInfo::exists(namedPath(settings));
+    if (settings.file.contains(QLatin1Char('*')))
+        return !wildcardMatches(settings).isEmpty();
+    const QString stem = namedPath(settings);
+    for (int n = 1; n <= kHighestNumberedFile; ++n) {
+        if (QFileInfo::exists(stem + QLatin1Char('.') + QString::number(n)))
+            return true;
+    }
+    return false;
+}
+
+QString FileWatch::folder(const JobSettings& settings) const
+{
+    return QFileInfo(namedPath(settings)).absolutePath();
+}
+
+QStringList FileWatch::wildcardMatches(const JobSettings& settings) const
+{
+    const QFileInfo pattern(namedPath(settings));
+    QDir::Filters filters = QDir::Files;
+#ifndef Q_OS_WIN
+    filters |= QDir::CaseSensitive;
+#endif
+    return pattern.dir().entryList({pattern.fileName()}, filters, QDir::Unsorted);
+}
+
 QString FileWatch::findCandidate(const JobSettings& settings)
 {
     const QString stem = namedPath(settings);
     if (settings.file.contains(QLatin1Char('*'))) {
-        const QFileInfo pattern(stem);
-        QDir::Filters filters = QDir::Files;
-#ifndef Q_OS_WIN
-        filters |= QDir::CaseSensitive;
-#endif
-        const QStringList names = pattern.dir().entryList({pattern.fileName()}, filters, QDir::Unsorted);
-        return names.isEmpty() ? QString() : pattern.dir().filePath(names.first());
+        const QStringList names = wildcardMatches(settings);
+        return names.isEmpty() ? QString() : QFileInfo(stem).dir().filePath(names.first());
     }
     for (int n = 1; n <= kHighestNumberedFile; ++n) {
         const QString numbered = stem + QLatin1Char('.') + QString::number(n);
@@ -69,5 +93,5 @@ QString FileWatch::findCandidate(const JobSettings& settings)
 
 bool FileWatch::isReady(const QString& path)
 {
-    return mFile::IsFileReady(path, &looks_);
+    return mFile::IsFileReady(path, recording_ ? &looks_ : &passing_);
 }

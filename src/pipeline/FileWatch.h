@@ -22,12 +22,31 @@ public:
     static Way wayOf(const JobSettings& settings);
 
     // A new tick: what the last one saw of each file is now the earlier look.
-    void beginLook() { looks_.beginLook(); }
+    void beginLook()
+    {
+        looks_.beginLook();
+        recording_ = true;
+    }
+    // A look between two ticks, when the folder changed: it may use what the
+    // ticks saw but records nothing, so a file that can only be judged by its
+    // size and time still has to stand still for a whole tick.
+    void beginArrivalLook()
+    {
+        passing_ = looks_;
+        recording_ = false;
+    }
 
     // The named file, once it is there and finished.
     std::optional<QString> singleFile(const JobSettings& settings);
     // The file to print in the polling way, if any.
     std::optional<QString> nextFile(const JobSettings& settings);
+
+    // A file that would be the candidate is there but not finished yet (still
+    // written, or empty).
+    bool hasUnfinishedFile(const JobSettings& settings) const;
+
+    // The folder the print files land in.
+    QString folder(const JobSettings& settings) const;
 
     // A program file stays once printed: "PRG.1" in any case in the
     // single-file way, "prg.1" as it stands in the polling way.
@@ -39,7 +58,10 @@ public:
 private:
     QString findCandidate(const JobSettings& settings);
     bool isReady(const QString& path);
+    QStringList wildcardMatches(const JobSettings& settings) const;
 
     QString workingDirectory_;
     FileLookMemory looks_;
+    FileLookMemory passing_;
+    bool recording_ = true;
 };

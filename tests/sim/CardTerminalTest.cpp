@@ -1,19 +1,12 @@
 // The card terminals behind the virtual register: what the fault script
 // makes them answer, the outcome query, the batch and the tape.
 
-#include "EcrModel.h"
 #include "FaultScript.h"
 #include "PrintQString.h"
-#include "SimRegister.h"
+#include "SimTestSupport.h"
 #include "SimTransport.h"
-#include "shell/Clock.h"
-#include "shell/CodePage.h"
 
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace {
 
@@ -91,12 +84,8 @@ TEST(TerminalScriptTest, TheTerminalsVocabularyKnowsEveryRefusalExactly)
         EXPECT_TRUE(TerminalOutcome::ofText(QString::fromUtf8(text)).approved) << text;
 }
 
-class Terminals : public ::testing::Test {
+class Terminals : public ModelTest {
 protected:
-    RegisterMemory memory = RegisterMemory::factory();
-    EcrModel model{memory};
-    QStringList tape;
-
     void script(const QString& text)
     {
         FaultScript f;
@@ -105,13 +94,6 @@ protected:
         for (const TerminalRule& r : f.terminalRules())
             model.scriptTerminal(r);
     }
-    QString send(const QString& command)
-    {
-        const auto o = model.execute(command, QDateTime(QDate(2026, 11, 19), QTime(10, 15)));
-        tape << o.printed;
-        return o.reply.text();
-    }
-    QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
     // What the driver classifies: the last field but one of the outcome query.
     QString lastTerminalText()
     {
@@ -215,9 +197,7 @@ TEST(TerminalBatchTest, BatchReportsThePackageSinceTheLastOneAndSurvivesARestart
     QTemporaryDir dir;
     VirtualClock clock;
     const QString tapePath = dir.filePath("tape.txt");
-    auto send = [&](SimRegister& reg, const QString& command) {
-        return codepage::fromWin1253(reg.handle(codepage::toWin1253(command)).reply);
-    };
+    const auto send = sendTo;
     {
         SimRegister reg({dir.path(), {}, tapePath, {}, {}}, clock);
         ASSERT_TRUE(reg.loadFaults("terminal 1 x1: busy\n"));

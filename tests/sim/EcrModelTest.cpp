@@ -1,24 +1,9 @@
-#include "EcrModel.h"
 #include "PrintQString.h"
-
-#include <gtest/gtest.h>
+#include "SimTestSupport.h"
 
 namespace {
 
-class Register : public ::testing::Test {
-protected:
-    RegisterMemory memory = RegisterMemory::factory();
-    EcrModel model{memory};
-    QStringList tape;
-
-    QString send(const QString& command)
-    {
-        const auto o = model.execute(command, QDateTime(QDate(2026, 11, 19), QTime(10, 15)));
-        tape << o.printed;
-        return o.reply.text();
-    }
-    QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
-};
+using Register = ModelTest;
 
 TEST_F(Register, WorkedReceiptAddsUpDiscountsAndClosesOnFullPayment)
 {

@@ -3,45 +3,13 @@
 // the register's memory on disk between commands.
 
 #include "PrintQString.h"
-#include "SimRegister.h"
-#include "shell/Clock.h"
-#include "shell/CodePage.h"
+#include "SimTestSupport.h"
 
-#include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace {
 
-class Tables : public ::testing::Test {
-protected:
-    QTemporaryDir dir;
-    VirtualClock clock;
-    std::unique_ptr<SimRegister> reg;
-
-    void SetUp() override
-    {
-        ASSERT_TRUE(dir.isValid());
-        restart();
-    }
-    // The register is switched off and on again: all it knows comes from --state.
-    void restart()
-    {
-        reg.reset();
-        reg = std::make_unique<SimRegister>(
-            SimRegister::Options{dir.path(), {}, dir.filePath(QStringLiteral("tape.txt")), {}, {}}, clock);
-    }
-    QString send(const QString& command) { return codepage::fromWin1253(reg->handle(codepage::toWin1253(command)).reply); }
-    QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
-    QString tape() const
-    {
-        QFile f(dir.filePath(QStringLiteral("tape.txt")));
-        return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
-    }
-};
+using Tables = DiskRegisterTest;
 
 TEST_F(Tables, VisitsMovesAndSettlingKeepIdentifiersAndOrdersAcrossRestarts)
 {

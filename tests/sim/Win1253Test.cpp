@@ -1,15 +1,11 @@
 #include "Win1253.h"
-
-#include "Win1253Golden.h"
+#include "Win1253Reference.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 namespace {
-
-using golden::kFirst;
-using golden::kWindows1253A0toFE;
 
 TEST(SimCodePage, GreekBytesDecodeAndEncodeAsWindows1253Defines)
 {

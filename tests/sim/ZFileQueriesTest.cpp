@@ -1,12 +1,7 @@
 // The queries of the Z file, answered from the day the register recorded.
-#include "EcrModel.h"
-#include "SimRegister.h"
-#include "shell/Clock.h"
-#include "shell/CodePage.h"
+#include "SimTestSupport.h"
 
-#include <QTemporaryDir>
 #include <functional>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -127,11 +122,11 @@ TEST(ZFileQueriesOnDisk, TheZsFiguresSurviveARestart)
     const SimRegister::Options options{dir.path(), {}, {}, {}, {}};
     {
         SimRegister reg(options, clock);
-        recordTheDay([&](const QString& c) { return codepage::fromWin1253(reg.handle(codepage::toWin1253(c)).reply); });
+        recordTheDay([&](const QString& c) { return sendTo(reg, c); });
         ASSERT_EQ(reg.handle("x/7///").reply, QByteArray("00/00/00/"));
     }
     SimRegister reg(options, clock);
-    const Send send = [&](const QString& c) { return codepage::fromWin1253(reg.handle(codepage::toWin1253(c)).reply); };
+    const Send send = [&](const QString& c) { return sendTo(reg, c); };
     EXPECT_EQ(lastZData(send), kDayZData);
     EXPECT_EQ(fieldsOf(send, "i/").value(5), "1");
     EXPECT_EQ(fieldsOf(send, "d/1/").mid(8, 2), QStringList({"3", "9.70"}));

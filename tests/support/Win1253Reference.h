@@ -1,9 +1,7 @@
 #pragma once
 
-// The golden Windows-1253 table both the driver's code page and the virtual
-// register's own are checked against. Written out from the code page itself,
-// never from either implementation.
-namespace golden {
+// The code page as Windows-1253 defines it, written out by hand: the driver's
+// table and the virtual register's own are both checked against it.
 
 // Windows-1253, bytes 0xA0 to 0xFE in order; 0 where the code page
 // defines nothing (0xAA, 0xD2). Signs that have look-alikes elsewhere in
@@ -19,5 +17,3 @@ constexpr char16_t kWindows1253A0toFE[] = {
 };
 constexpr int kFirst = 0xA0;
 static_assert(sizeof kWindows1253A0toFE / sizeof kWindows1253A0toFE[0] == 0xFF - kFirst);
-
-} // namespace golden

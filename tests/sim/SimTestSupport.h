@@ -1,0 +1,66 @@
+#pragma once
+
+// What the virtual register's tests share: the model on its own with a paper
+// tape, and the whole register with its memory on disk.
+
+#include "EcrModel.h"
+#include "SimRegister.h"
+#include "shell/Clock.h"
+#include "shell/CodePage.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+// One command to a register, in Windows-1253 both ways.
+inline QString sendTo(SimRegister& reg, const QString& command)
+{
+    return codepage::fromWin1253(reg.handle(codepage::toWin1253(command)).reply);
+}
+
+// The register's model alone, at a fixed time; what it prints goes to tape.
+class ModelTest : public ::testing::Test {
+protected:
+    RegisterMemory memory = RegisterMemory::factory();
+    EcrModel model{memory};
+    QStringList tape;
+    QDateTime now = QDateTime(QDate(2026, 11, 19), QTime(10, 15));
+
+    QString send(const QString& command)
+    {
+        const auto o = model.execute(command, now);
+        tape << o.printed;
+        return o.reply.text();
+    }
+    QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
+};
+
+// The whole register with its memory and tape in a temporary directory.
+class DiskRegisterTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    VirtualClock clock;
+    std::unique_ptr<SimRegister> reg;
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir.isValid());
+        restart();
+    }
+    // The register is switched off and on again: all it knows comes from --state.
+    void restart()
+    {
+        reg.reset();
+        reg = std::make_unique<SimRegister>(
+            SimRegister::Options{dir.path(), {}, dir.filePath(QStringLiteral("tape.txt")), {}, {}}, clock);
+    }
+    QString send(const QString& command) { return sendTo(*reg, command); }
+    QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
+    QString tape() const
+    {
+        QFile f(dir.filePath(QStringLiteral("tape.txt")));
+        return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
+    }
+};
