@@ -20,7 +20,10 @@ namespace {
 constexpr int kTickMs = 5;
 constexpr qint64 kTargetMs = 50;
 constexpr int kDefaultSeconds = 45;
+constexpr qint64 kWarmUpMs = 2000;
 constexpr int kEndWaitMs = 60000;
+constexpr quint16 kFirstPort = 21000;
+constexpr quint16 kLastPort = 32000;
 } // namespace
 
 int main(int argc, char** argv)
@@ -32,7 +35,9 @@ int main(int argc, char** argv)
     // The silent register: takes the connection, never answers.
     QTcpServer silent;
     std::vector<QTcpSocket*> held;
-    silent.listen(QHostAddress::LocalHost, 0);
+    // The register's port is a 16-bit signed number in [port]: stay below 32768.
+    for (quint16 port = kFirstPort; port < kLastPort && !silent.isListening(); ++port)
+        silent.listen(QHostAddress::LocalHost, port);
     QObject::connect(&silent, &QTcpServer::newConnection, [&] {
         while (QTcpSocket* s = silent.nextPendingConnection())
             held.push_back(s);
@@ -52,13 +57,17 @@ int main(int argc, char** argv)
     QElapsedTimer clock;
     qint64 last = -1;
     qint64 longest = 0;
+    qint64 longestAt = 0;
     qint64 ticks = 0;
     QTimer meter;
     meter.setTimerType(Qt::PreciseTimer);
     QObject::connect(&meter, &QTimer::timeout, [&] {
         const qint64 now = clock.elapsed();
-        if (last >= 0)
-            longest = std::max(longest, now - last - kTickMs);
+        // The first paint and the font cache are the start's, not the wait's.
+        if (last >= 0 && now >= kWarmUpMs && now - last - kTickMs > longest) {
+            longest = now - last - kTickMs;
+            longestAt = now;
+        }
         last = now;
         ++ticks;
         gui.window().update(); // the window repaints all along
@@ -89,7 +98,9 @@ int main(int argc, char** argv)
                 QApplication::platformName().toUtf8().constData(), seconds, static_cast<long long>(ticks),
                 kTickMs, held.size());
     std::printf("status line at the end: %s\n", status.toUtf8().constData());
-    std::printf("longest GUI stall: %lld ms (target under %lld ms): %s\n", static_cast<long long>(longest),
-                static_cast<long long>(kTargetMs), longest < kTargetMs ? "PASS" : "FAIL");
+    std::printf("longest GUI stall after the first %lld ms: %lld ms at %lld ms (target under %lld ms): %s\n",
+                static_cast<long long>(kWarmUpMs), static_cast<long long>(longest),
+                static_cast<long long>(longestAt), static_cast<long long>(kTargetMs),
+                longest < kTargetMs ? "PASS" : "FAIL");
     return longest < kTargetMs ? 0 : 1;
 }
