@@ -90,7 +90,10 @@ Operator::Answer GuiOperator::message(const QString& title, const QString& text,
     onGuiThread([&] {
         if (released_.load())
             return;
-        QMessageBox box(boxIcon(icon), title, text, boxButtons(buttons), window_);
+        // The register's messages break their line with a bare CR.
+        QString shown = text;
+        shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
+        QMessageBox box(boxIcon(icon), title, shown, boxButtons(buttons), window_);
         // Over everything, as the system-modal box of the register's messages.
         box.setWindowFlag(Qt::WindowStaysOnTopHint);
         answer = answerOf(box.exec());
