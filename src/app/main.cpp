@@ -1,4 +1,5 @@
 #include "Arguments.h"
+#include "GuiLife.h"
 #include "HeadlessLife.h"
 
 #include <QCoreApplication>
@@ -6,6 +7,8 @@
 
 int main(int argc, char** argv)
 {
+    if (WantsWindow(argc, argv))
+        return runGui(argc, argv);
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("kerbano"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KERBANO_VERSION));
@@ -23,6 +26,5 @@ int main(int argc, char** argv)
         std::printf("kerbano %s\n", KERBANO_VERSION);
         return 0;
     }
-    // The window comes with the ui library; until then every life runs headless.
     return runHeadless(args);
 }

@@ -316,6 +316,11 @@ void Engine::startBatchFileWhenAsked()
         startParts_->startBatchFile(ResolveAgainst(options_.workingDirectory, kBatchFile));
 }
 
+void Engine::stopDeviceSearch()
+{
+    setTimer(timer2_, false);
+}
+
 void Engine::command2()
 {
     setTimer(timer1_, false);

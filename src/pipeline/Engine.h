@@ -95,6 +95,8 @@ public:
     void mTimerTick();
     void command1();
     void command2();
+    // The settings window opened: a device search stops while it is open.
+    void stopDeviceSearch();
     // The menu entry end: closes the link and ends the process with exitCode.
     void unload(int exitCode = 0);
 

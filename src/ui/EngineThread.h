@@ -1,0 +1,62 @@
+#pragma once
+
+#include "pipeline/Driver.h"
+#include "ui/ParamWindow.h"
+
+#include <QThread>
+#include <atomic>
+#include <functional>
+
+class LogLineQueue;
+class MainWindow;
+class Operator;
+class TransportFactory;
+
+// The engine's own thread. The whole driver is built on it and lives there
+// to the end; the window only sees FormState values coming out and names of
+// menu actions going in, and the person is reached through the Operator.
+class EngineThread : public QThread {
+    Q_OBJECT
+public:
+    struct Setup {
+        DriverOptions driver;
+        QString runAction;  // kerbano --run NAME; empty for the usual life
+        // Opens the link's pipes on the engine thread; the real ones when empty.
+        std::function<std::unique_ptr<TransportFactory>()> transports;
+    };
+
+    EngineThread(Operator& person, Setup setup, MainWindow& window, LogLineQueue& log,
+                 QObject* parent = nullptr);
+    ~EngineThread() override;
+
+    // From the GUI thread: runs on the engine thread, in its event loop.
+    void post(std::function<void(Driver&)> work);
+
+    // The communication log goes off (frmDebug closed by its own close box).
+    void debugOff();
+    void setFileLog(bool on);
+
+signals:
+    // The engine has ended; the process ends with this code.
+    void ended(int exitCode);
+    // Window-side menu actions, after the engine has done its part.
+    void settingsRequested(const StartOnlySettings& startOnly, bool rescue);
+    void helpTextRequested();
+    void aboutRequested();
+    void debugWindowRequested(bool open);
+
+protected:
+    void run() override;
+
+private:
+    void wire(Driver& driver, FormModel& form);
+    void wireWindowActions(Driver& driver, FormModel& form);
+    void startLife(Driver& driver);
+
+    Operator& person_;
+    Setup setup_;
+    MainWindow& window_;
+    LogLineQueue& log_;
+    std::atomic<QObject*> context_{nullptr};
+    Driver* driver_ = nullptr;
+};

@@ -1,0 +1,198 @@
+// The main form: its menus in order, its labels and buttons in each state of
+// the engine, and a close box that never ends the program.
+#include "../pipeline/EngineFixture.h"
+#include "PrintQString.h"
+#include "ui/FormMenus.h"
+#include "ui/MainWindow.h"
+#include "ui/TrayIcon.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSignalSpy>
+
+namespace {
+
+// "caption" of an entry, "-" for a separator, ">caption" entering a submenu and "<" leaving it.
+QStringList walk(const QMenu& menu)
+{
+    QStringList out;
+    for (QAction* a : menu.actions()) {
+        if (a->isSeparator()) {
+            out << QStringLiteral("-");
+        } else if (a->menu()) {
+            out << QStringLiteral(">") + a->text();
+            out += walk(*a->menu());
+            out << QStringLiteral("<");
+        } else {
+            out << a->text();
+        }
+    }
+    return out;
+}
+
+QStringList walkBar(const QMenuBar& bar)
+{
+    QStringList out;
+    for (QAction* a : bar.actions()) {
+        out << QStringLiteral(">") + a->text();
+        out += walk(*a->menu());
+        out << QStringLiteral("<");
+    }
+    return out;
+}
+
+} // namespace
+
+TEST(MainWindowMenus, MainAndTrayMenusHoldEveryEntryInOrderWithItsGreekCaption)
+{
+    MainWindow window;
+    const QStringList main = {
+        ">Επιλογές", "Παράμετροι", "-", "<",
+        ">EFTPOS", "Παράμετροι Πιστ. Καρτών EFTPOS", "-", "Πακέτο Συναλλαγών EFTPOS", "-", "<",
+        ">Bοήθεια", "Ρυθμίσεις", "server ΑΑΔΕ", "-", "Αρχικοποίηση Τραπεζιών", "-", "Debug Επικοινωνίας", "<",
+        ">Ισοζύγια",
+        ">Ισοζύγια 'X'", "Iσοζ. Χ (Οικονομικό)", "Iσοζ. Χ (Στατιστικών)", "<", "-",
+        ">Ισοζύγια 'Z'", "Iσοζ. Z (Οικονομικό-Hμερήσιο)", "Iσοζ. Z (Περιόδου)", "<", "-",
+        ">Λίστα ανοικτών τραπεζιών", "Συνοπτική", "Αναλυτική", "<", "-",
+        "Αρχείο 'Ζ'", "<",
+        ">Έξοδος", "Τερματισμός Kerbano", "Περι Kerbano", "Version Info", "<",
+    };
+    EXPECT_EQ(walkBar(*window.menuBar()), main);
+    EXPECT_EQ(walk(*window.menus().trayMenu()),
+              QStringList({"Εμφάνιση Kerbano", "Απόκρυψη Kerbano", "-", "Έναρξη Εκτυπώσεων",
+                           "Διακοπή Εκτυπώσεων", "-", "Εκτέλεση Ισοζ. 'Ζ'"}));
+    EXPECT_EQ(window.menus().trayMenu()->title(), "sysTray Menu");
+
+    // Choosing names the entry; the check mark waits for the engine's state.
+    QSignalSpy asked(&window, &MainWindow::actionRequested);
+    QAction* debug = window.menus().action(QStringLiteral("wndDebug"));
+    debug->trigger();
+    window.menus().action(QStringLiteral("xrep0"))->trigger();
+    ASSERT_EQ(asked.count(), 2);
+    EXPECT_EQ(asked.at(0).at(0).toString(), "wndDebug");
+    EXPECT_EQ(asked.at(1).at(0).toString(), "xrep0");
+    EXPECT_FALSE(debug->isChecked());
+
+    FormState state;
+    state.menus.reports.enabled = false;
+    state.menus.wndDebug.checked = true;
+    window.showState(state);
+    EXPECT_FALSE(window.menus().action(QStringLiteral("reports"))->isEnabled());
+    EXPECT_TRUE(debug->isChecked());
+    EXPECT_FALSE(window.menus().action(QStringLiteral("xrep5"))->isEnabled());
+}
+
+// The real engine drives the form through its states; the window shows each.
+class MainWindowStates : public EngineTest {
+protected:
+    MainWindow window;
+
+    void SetUp() override
+    {
+        EngineTest::SetUp();
+        QObject::connect(&form, &FormModel::stateChanged, &window, &MainWindow::showState);
+    }
+    void expectShown(const QString& caption, const QString& status, bool command1, bool command2)
+    {
+        EXPECT_EQ(window.windowTitle(), caption);
+        EXPECT_EQ(window.text(QStringLiteral("comstattxt")), status);
+        EXPECT_EQ(window.control(QStringLiteral("Command1"))->isEnabled(), command1) << qPrintable(status);
+        EXPECT_EQ(window.control(QStringLiteral("Command2"))->isEnabled(), command2) << qPrintable(status);
+        EXPECT_EQ(window.tray().tip(), window.windowTitle().left(63));
+    }
+};
+
+TEST_F(MainWindowStates, LabelsCaptionAndButtonsFollowEachStateOfTheForm)
+{
+    writeParams(pollingParams());
+    EXPECT_EQ(window.text(QStringLiteral("Command1")), "Έναρξη Εκτύπωσης");
+    EXPECT_EQ(window.text(QStringLiteral("Command2")), "Διακοπή Εκτύπωσης");
+    EXPECT_EQ(window.text(QStringLiteral("baudlbl")), "Ταχύτητα         :");
+    EXPECT_EQ(window.text(QStringLiteral("Label1")), " Αριθμός Αποδείξεων");
+
+    initializeStatusAtStart = -4;
+    start();
+    engine->mTimerTick();
+    expectShown("Kerbano- Αναζήτηση", "Εύρεση Φορολογικής Ταμειακής !!! ", false, false);
+    EXPECT_EQ(window.text(QStringLiteral("serialtxt")), "127.0.0.1:9101");
+    EXPECT_EQ(window.text(QStringLiteral("filetxt")), "print @Path : in\\");
+    EXPECT_EQ(window.text(QStringLiteral("desctxt")), "Να Εκτυπωνεται");
+
+    for (int i = 0; i < 4; ++i)
+        engine->timer2Tick();
+    engine->mTimerTick();
+    expectShown("Kerbano- Λάθος!", "Φορολογικός Εκτυπωτής Off-Line, Εκτυπώσεις Ανενεργές !", false, false);
+
+    // A new start finds the register.
+    initializeStatusAtStart = 0;
+    start();
+    engine->timer2Tick();
+    engine->mTimerTick();
+    expectShown("Kerbano- Έτοιμο", "Φορολογικός Εκτυπωτής ON-Line, Έτοιμος Για Εκτυπωσεις", true, false);
+    EXPECT_TRUE(window.menus().action(QStringLiteral("reports"))->isEnabled());
+
+    engine->command1();
+    engine->mTimerTick();
+    expectShown("Kerbano- Αναμονη", "Αναμονη Για Στοιχεια....", false, true);
+    EXPECT_TRUE(window.menus().action(QStringLiteral("pStart"))->isChecked());
+    EXPECT_FALSE(window.menus().action(QStringLiteral("reports"))->isEnabled());
+
+    QString printingStatus;
+    parts.interpretLines_ = walkEach([&](const QString&, const JobSettings&) {
+        printingStatus = window.text(QStringLiteral("comstattxt")) + QLatin1Char('|') + window.windowTitle();
+        return true;
+    });
+    put(QStringLiteral("print.1"), "PLU line\r\n");
+    engine->timer1Tick();
+    EXPECT_EQ(printingStatus, "Εκτύπωση Ενεργή ..... Παρακαλώ Περιμένετε...|Εκτύπωση Ενεργή ");
+    EXPECT_EQ(window.text(QStringLiteral("comstattxt")), "Αναμονη Για Στοιχεια....");
+
+    engine->command2();
+    engine->mTimerTick();
+    expectShown("Kerbano- Διακοπηκε", "Διακοπη Εκτυπωσεων. Πατηστε Εναρξη Εκτυπωσεων!!! ", true, false);
+    EXPECT_TRUE(window.menus().action(QStringLiteral("pStop"))->isChecked());
+}
+
+TEST_F(MainWindowStates, AFailedLinkShowsItsStatusAndClosesTheMenusOfTheRegister)
+{
+    writeParams(pollingParams());
+    build();
+    link.openStatus = -6;
+    link.openReply = QStringLiteral("Σύνδεση απέτυχε");
+    engine->Form_Load();
+    EXPECT_EQ(window.windowTitle(), "Kerbano- Αναζήτηση");
+    EXPECT_TRUE(window.text(QStringLiteral("comstattxt")).startsWith("Λάθος : -6 - "));
+    for (const char* name : {"help", "Ver", "reports", "mZREp", "pStart", "pStop", "paramEFT"})
+        EXPECT_FALSE(window.menus().action(QString::fromLatin1(name))->isEnabled()) << name;
+    EXPECT_TRUE(window.menus().action(QStringLiteral("param"))->isEnabled());
+}
+
+TEST(MainWindowShown, ButtonsAskForTheirActionsAndTheCloseBoxNeverEndsTheProgram)
+{
+    MainWindow window;
+    QSignalSpy asked(&window, &MainWindow::actionRequested);
+    window.showState(FormState{});
+    ASSERT_TRUE(window.isVisible());
+    static_cast<QAbstractButton*>(window.control(QStringLiteral("Command1")))->click();
+    static_cast<QAbstractButton*>(window.control(QStringLiteral("Command2")))->click();
+    ASSERT_EQ(asked.count(), 2);
+    EXPECT_EQ(asked.at(0).at(0).toString(), "pStart");
+    EXPECT_EQ(asked.at(1).at(0).toString(), "pStop");
+
+    // The offscreen desktop has no tray: the window stays and says so once.
+    ASSERT_FALSE(window.tray().available());
+    window.close();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(window.tray().saidUnavailable());
+    FormState hidden;
+    hidden.formShown = false; // [AutoStar]: the register answered
+    window.showState(hidden);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(window.findChildren<QWidget*>(QStringLiteral("noTrayNotice")).size(), 1);
+    window.menus().action(QStringLiteral("fHide"))->trigger();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(asked.count(), 2); // fShow and fHide are the window's own
+}

@@ -1,0 +1,152 @@
+// frmparam: the settings round trip through param.ini, vats.dat and mail.ini,
+// and the saves it refuses without writing a byte.
+#include "PrintQString.h"
+#include "config/MailSettings.h"
+#include "config/ParamFileReader.h"
+#include "config/VatFile.h"
+#include "shell/CodePage.h"
+#include "ui/ParamWindow.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+class ParamWindowTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    SettingsFiles files{dir.filePath(QStringLiteral("param.ini")), dir.filePath(QStringLiteral("vats.dat")),
+                        dir.filePath(QStringLiteral("mail.ini"))};
+    QStringList told;
+
+    std::unique_ptr<ParamWindow> open(StartOnlySettings startOnly = {})
+    {
+        auto w = std::make_unique<ParamWindow>(files, startOnly);
+        w->setTell([this](const QString& title, const QString& text, bool) { told << title + QStringLiteral(": ") + text; });
+        return w;
+    }
+    template <typename W>
+    static W* get(const ParamWindow& w, const char* name)
+    {
+        return qobject_cast<W*>(w.control(QString::fromLatin1(name)));
+    }
+    static void type(const ParamWindow& w, const char* name, const QString& text)
+    {
+        get<QLineEdit>(w, name)->setText(text);
+    }
+    QByteArray bytes(const QString& path) const
+    {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+};
+
+} // namespace
+
+TEST_F(ParamWindowTest, SavedSettingsWriteTheThirtyEightLineFileTheRatesAndMailIniAndReadBackTheSame)
+{
+    auto w = open(StartOnlySettings{true, false, QString(), 0});
+    QSignalSpy ended(w.get(), &ParamWindow::savedEndProgram);
+    type(*w, "comtxt", QStringLiteral("192.168.1.20"));
+    EXPECT_TRUE(get<QComboBox>(*w, "baudtxt")->isHidden()); // an address has no speed
+    type(*w, "filetxt", QStringLiteral("print"));
+    type(*w, "location", QStringLiteral("\\ταμείο\\"));
+    get<QCheckBox>(*w, "multi_print")->setChecked(true);
+    get<QCheckBox>(*w, "print_code_numeric")->click();
+    get<QCheckBox>(*w, "print_code_ascii")->click(); // takes the numeric one off
+    get<QRadioButton>(*w, "total_2")->setChecked(true);
+    get<QCheckBox>(*w, "ChkAuto")->setChecked(true);
+    type(*w, "txtemail", QStringLiteral("z@shop.gr"));
+    EXPECT_FALSE(get<QCheckBox>(*w, "chkAutomailsend")->isEnabled());
+    const char* const rates[] = {"24", "13", "6", "0", "17.5"};
+    for (int i = 0; i < 5; ++i)
+        qobject_cast<QLineEdit*>(w->control(QStringLiteral("txtVatRate(%1)").arg(i)))->setText(QString::fromLatin1(rates[i]));
+    type(*w, "smtpHost", QStringLiteral("mail.shop.gr"));
+    get<QComboBox>(*w, "smtpSecurity")->setCurrentIndex(1);
+    type(*w, "smtpUser", QStringLiteral("kerbano"));
+    type(*w, "smtpPassword", QStringLiteral("μυστικό"));
+    type(*w, "smtpFrom", QStringLiteral("kerbano@shop.gr"));
+
+    get<QPushButton>(*w, "OK")->click();
+    EXPECT_EQ(ended.count(), 1);
+    EXPECT_EQ(told, QStringList({"Kerbano-Προσοχή: Πρέπει να επανεκκινήσετε το Kerbano για ενεργοποίηση των μεταβολών "}));
+
+    const QByteArray written = bytes(files.param);
+    EXPECT_EQ(written.count("\r\n"), 38);
+    EXPECT_EQ(written.count('\n'), 38);
+    const QStringList lines = codepage::fromWin1253(written).split(QStringLiteral("\r\n"));
+    EXPECT_EQ(lines.at(3), "[port] 192.168.1.20:9101");
+    EXPECT_EQ(lines.at(22), "[print_code] true A");
+    EXPECT_EQ(lines.at(24), "[currency]=2");
+    EXPECT_EQ(lines.at(35), "[AutoStar]=yes");
+    EXPECT_EQ(lines.at(36), "[location] \\ταμείο\\");
+
+    VatRates stored{};
+    ASSERT_EQ(ReadVatsFile(files.vats, stored), 0);
+    EXPECT_DOUBLE_EQ(stored[0], 24.0);
+    EXPECT_DOUBLE_EQ(stored[4], 17.5);
+    MailSettings mail;
+    QString problem;
+    ASSERT_EQ(ReadMailSettings(files.mail, mail, problem), 0) << qPrintable(problem);
+    EXPECT_EQ(mail.host, "mail.shop.gr");
+    EXPECT_EQ(mail.security, MailSecurity::StartTls);
+    EXPECT_EQ(mail.password, "μυστικό");
+
+    // Opened again, the form shows what it wrote.
+    auto again = open(StartOnlySettings{true, false, QStringLiteral("z@shop.gr"), 1});
+    const ParamFormValues v = again->values();
+    EXPECT_EQ(v.comtxt, "192.168.1.20:9101");
+    EXPECT_EQ(v.filetxt, "print");
+    EXPECT_TRUE(v.multi_print);
+    EXPECT_TRUE(v.print_code_ascii);
+    EXPECT_FALSE(v.print_code_numeric);
+    EXPECT_EQ(v.currency, 2);
+    EXPECT_TRUE(v.ChkAuto);
+    EXPECT_TRUE(v.chkspRet);
+    EXPECT_EQ(v.txtemail, "z@shop.gr");
+    EXPECT_EQ(again->vatBoxes().at(1), VatBoxText(13.0));
+    EXPECT_EQ(again->mailValues(), mail);
+}
+
+TEST_F(ParamWindowTest, AnEmptyPortLettersInTheSpeedOrABadRateAreRefusedAndNothingIsWritten)
+{
+    auto w = open();
+    const QByteArray ratesAtOpening = bytes(files.vats);
+    QSignalSpy ended(w.get(), &ParamWindow::savedEndProgram);
+    type(*w, "comtxt", QStringLiteral("  "));
+    get<QPushButton>(*w, "OK")->click();
+    type(*w, "comtxt", QStringLiteral("com2"));
+    get<QComboBox>(*w, "baudtxt")->setCurrentText(QStringLiteral("96OO"));
+    get<QPushButton>(*w, "OK")->click();
+    get<QComboBox>(*w, "baudtxt")->setCurrentText(QStringLiteral("19200"));
+    qobject_cast<QLineEdit*>(w->control(QStringLiteral("txtVatRate(2)")))->setText(QStringLiteral("έξι"));
+    get<QPushButton>(*w, "OK")->click();
+    EXPECT_EQ(told, QStringList({"Παράμετροι Kerbano: Η πόρτα επικοινωνίας δεν μπορεί να είναι κενή !",
+                                 "Παράμετροι Kerbano: Η ταχύτητα πρέπει να είναι αριθμός, π.χ. 9600 !",
+                                 "Παράμετροι Kerbano: Λάθος στίς κατηγορίες ΦΠΑ!"}));
+    EXPECT_EQ(ended.count(), 0);
+    EXPECT_FALSE(QFile::exists(files.param));
+    EXPECT_EQ(bytes(files.vats), ratesAtOpening);
+    EXPECT_FALSE(QFile::exists(files.mail));
+}
+
+TEST_F(ParamWindowTest, AParamFileThatCannotBeWrittenKeepsTheFormOpenAndTheProgramRunning)
+{
+    ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("param.ini"))); // a folder in its place
+    auto w = open();
+    const QByteArray ratesAtOpening = bytes(files.vats);
+    QSignalSpy ended(w.get(), &ParamWindow::savedEndProgram);
+    type(*w, "comtxt", QStringLiteral("COM1"));
+    get<QPushButton>(*w, "OK")->click();
+    EXPECT_EQ(ended.count(), 0);
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told.at(0).contains("param.ini")) << qPrintable(told.at(0));
+    EXPECT_EQ(bytes(files.vats), ratesAtOpening);
+}
