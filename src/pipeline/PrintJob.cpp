@@ -17,6 +17,13 @@
 namespace {
 const QString kTitleBeforeDevice = QStringLiteral("Μύνημα Kerbano");
 constexpr int kAmountDecimals = 2;
+
+// Why a job ended before its last line.
+QString stoppedLine(StopCause cause)
+{
+    return cause == StopCause::WaitLimit ? QStringLiteral("stopped = wait limit")
+                                         : QStringLiteral("stopped = signal");
+}
 } // namespace
 
 PrintJob::PrintJob(Clock& clock, Operator& person, FormModel& form, ModuleVariables& vars,
@@ -106,6 +113,8 @@ void PrintJob::close()
                          .arg(figures.recNumberProgr)
                          .arg(figures.recNumberDaily)
                          .arg(figures.ordNumber));
+    if (vars_.Stop != StopCause::None)
+        appendResultLine(stoppedLine(vars_.Stop));
     appendResultLine(QStringLiteral("exitcode = 0"));
     form_.setLblreceipt(QString::number(figures.recNumberDaily));
 
