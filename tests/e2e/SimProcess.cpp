@@ -80,8 +80,9 @@ bool SimProcess::start(const QStringList& wireArgs)
     m_process->setWorkingDirectory(m_workDir);
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
     m_process->setReadChannel(QProcess::StandardError);
-    m_process->start(kSimProgram, wireArgs + QStringList{QStringLiteral("--journal"), journalPath(),
-                                                         QStringLiteral("--tape"), tapePath()});
+    m_process->start(kSimProgram, wireArgs + m_extraArgs
+                                      + QStringList{QStringLiteral("--journal"), journalPath(),
+                                                    QStringLiteral("--tape"), tapePath()});
     if (!m_process->waitForStarted(kStartMs)) {
         m_error = m_process->errorString();
         return false;

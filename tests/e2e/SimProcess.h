@@ -15,6 +15,10 @@ public:
     SimProcess(const SimProcess&) = delete;
     SimProcess& operator=(const SimProcess&) = delete;
 
+    // Arguments for the register behind the wire's own (--faults FILE, say);
+    // for the next start.
+    void setExtraArguments(const QStringList& arguments) { m_extraArgs = arguments; }
+
     // Listens on a free loopback port at or below 32767; false when no port
     // could be taken within a few tries.
     bool startTcp();
@@ -38,5 +42,6 @@ private:
     QString m_workDir;
     QString m_portField;
     QString m_error;
+    QStringList m_extraArgs;
     std::unique_ptr<QProcess> m_process;
 };
