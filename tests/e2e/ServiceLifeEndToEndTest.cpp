@@ -200,6 +200,17 @@ TEST_F(ServiceLifeEndToEnd, TheWaitLimitStopsTheJobAndTheExitStatusSaysSo)
     EXPECT_TRUE(kerbano.err().contains(QStringLiteral("error: Η ταμειακή έμεινε απασχολημένη")));
 }
 
+TEST_F(ServiceLifeEndToEnd, AWaitLimitThatIsNoNumberOfSecondsEndsAtOnce)
+{
+    for (const QString& value : {QStringLiteral("-1"), QStringLiteral("5s")}) {
+        LiveKerbano kerbano(dir.path(), {QStringLiteral("--wait-limit"), value, QStringLiteral("com1,9600,p.txt,0,TECFP,1110111")});
+        ASSERT_TRUE(kerbano.waitEnd());
+        EXPECT_EQ(kerbano.exitCode(), 1);
+        EXPECT_TRUE(kerbano.err().contains(QStringLiteral("Λάθος τιμή του --wait-limit : ") + value))
+            << kerbano.said().toStdString();
+    }
+}
+
 TEST_F(ServiceLifeEndToEnd, SigintMidJobStopsAtALineBoundaryWithEveryExchangeWhole)
 {
     startRegister("/^3\\/S/ : delay 150\n");
