@@ -3,9 +3,12 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
+#include <QSaveFile>
 
+#ifdef Q_OS_UNIX
 #include <fcntl.h>
 #include <unistd.h>
+#endif
 
 namespace statestore {
 
@@ -50,40 +53,25 @@ bool save(const QString& dir, const RegisterMemory& memory, QString* error)
     return saveImage(dir, image(memory), error);
 }
 
+// QSaveFile writes a temporary file beside the memory, syncs it to disk and
+// renames it over the old one: a torn write never leaves a broken memory.
 bool saveImage(const QString& dir, const QByteArray& bytes, QString* error)
 {
     QDir().mkpath(dir);
-    const QByteArray finalPath = QFile::encodeName(filePath(dir));
-    const QByteArray tmpPath = finalPath + ".tmp";
-    const int fd = ::open(tmpPath.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) {
+    QSaveFile file(filePath(dir));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
         if (error)
-            *error = QStringLiteral("cannot write %1").arg(QString::fromLocal8Bit(tmpPath));
+            *error = QStringLiteral("cannot replace %1: %2").arg(file.fileName(), file.errorString());
         return false;
     }
-    qint64 done = 0;
-    while (done < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
-        if (n <= 0) {
-            ::close(fd);
-            if (error)
-                *error = QStringLiteral("write failed");
-            return false;
-        }
-        done += n;
-    }
-    const bool synced = ::fsync(fd) == 0;
-    ::close(fd);
-    if (!synced || ::rename(tmpPath.constData(), finalPath.constData()) != 0) {
-        if (error)
-            *error = QStringLiteral("cannot replace %1").arg(QString::fromLocal8Bit(finalPath));
-        return false;
-    }
+#ifdef Q_OS_UNIX
+    // The rename itself reaches the disk with the directory.
     const int dirFd = ::open(QFile::encodeName(dir).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (dirFd >= 0) {
         ::fsync(dirFd);
         ::close(dirFd);
     }
+#endif
     return true;
 }
 

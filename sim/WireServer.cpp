@@ -5,6 +5,9 @@
 
 #include <QFile>
 
+// The wire is POSIX throughout: a pseudo-terminal for the serial line, BSD
+// sockets and poll() for TCP. Elsewhere the register has no wire and says so.
+#ifdef Q_OS_UNIX
 #include <arpa/inet.h>
 #include <cerrno>
 #include <fcntl.h>
@@ -188,3 +191,35 @@ void WireServer::run()
         flush(tcpOut_, clientFd_, true);
     }
 }
+
+#else // no POSIX wire on this system
+
+namespace {
+const QString kNoWire = QStringLiteral("the virtual register's wire needs a POSIX system");
+} // namespace
+
+WireServer::WireServer(SimRegister& reg, Clock& clock)
+    : reg_(reg)
+    , clock_(clock)
+    , serial_(reg)
+    , tcp_(reg)
+{
+}
+
+WireServer::~WireServer() = default;
+
+bool WireServer::openPty(const QString&, int, QString* error)
+{
+    *error = kNoWire;
+    return false;
+}
+
+bool WireServer::listenTcp(const QString&, quint16, QString* error)
+{
+    *error = kNoWire;
+    return false;
+}
+
+void WireServer::run() {}
+
+#endif

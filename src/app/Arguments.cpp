@@ -15,6 +15,10 @@ const char kUsage[] =
     "                   όνομα (π.χ. Ver, xrep0, zrep021) και τερματίζει\n"
     "  --answer ΤΙΜΗ    απάντηση σε ερώτηση της λειτουργίας, με τη σειρά· σε επιλογή από\n"
     "                   λίστα ο αριθμός της γραμμής, από το 1\n"
+    "  --log            καταγραφή της επικοινωνίας στο kerbanoLog.txt από την αρχή\n"
+    "  --wait-limit ΔΕΥΤ\n"
+    "                   με γραμμή εντολών: πόσο περιμένει μια εντολή την απασχολημένη\n"
+    "                   ταμειακή πριν διακοπεί η εργασία (300· 0 χωρίς όριο)\n"
     "  --help           αυτό το κείμενο\n"
     "  --version        η έκδοση\n";
 
@@ -27,6 +31,17 @@ bool takeValue(const QStringList& args, qsizetype& i, QString& value, QString& e
     }
     value = args.at(++i);
     return true;
+}
+// A whole number of seconds, 0 or more.
+int seconds(const QString& value, const QString& option, QString& error)
+{
+    bool number = false;
+    const int n = value.toInt(&number);
+    if (!number || n < 0) {
+        error = QStringLiteral("Λάθος τιμή του %1 : %2").arg(option, value);
+        return 0;
+    }
+    return n;
 }
 } // namespace
 
@@ -49,6 +64,11 @@ Arguments parseArguments(const QStringList& args)
         } else if (a == QLatin1String("--answer")) {
             if (takeValue(args, i, value, out.error))
                 out.answers << value;
+        } else if (a == QLatin1String("--log")) {
+            out.log = true;
+        } else if (a == QLatin1String("--wait-limit")) {
+            if (takeValue(args, i, value, out.error))
+                out.waitLimitSeconds = seconds(value, a, out.error);
         } else if (!a.startsWith(QLatin1String("--")))
             rest << a;
     }

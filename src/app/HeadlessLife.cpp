@@ -1,11 +1,17 @@
 #include "HeadlessLife.h"
 
 #include "Arguments.h"
+#include "PortLock.h"
+#include "ProcessSignals.h"
+#include "StopOnSignal.h"
+#include "config/ParamFileReader.h"
 #include "link/QtTransportFactory.h"
 #include "pipeline/ActionRun.h"
+#include "pipeline/CommandLine.h"
 #include "pipeline/Driver.h"
 #include "pipeline/EngineTimers.h"
 #include "shell/Clock.h"
+#include "shell/ConsoleLine.h"
 #include "shell/FormModel.h"
 #include "shell/HeadlessOperator.h"
 #include "shell/Paths.h"
@@ -16,17 +22,58 @@
 #include <cstdio>
 
 namespace {
-constexpr int kExitNoParamFile = 1;
+using console::Level;
 
 void printLine(const QString& text)
 {
     std::printf("%s\n", text.toUtf8().constData());
     std::fflush(stdout);
 }
+
+// The port the life starts on: the command line's, or param.ini's.
+QString startPort(const Arguments& args)
+{
+    if (!args.commandLine.isEmpty())
+        return readcoman(args.commandLine).port;
+    ParamSettings settings;
+    if (!readParamFile(QDir::current().filePath(QStringLiteral("param.ini")), ParamReader::Start,
+                       settings))
+        return {};
+    return settings.port;
+}
+
+// The engine's exit code, or what a stop made of it.
+int exitCodeOf(int engineCode, const ModuleVariables& vars, int waitLimitSeconds)
+{
+    switch (vars.Stop) {
+    case StopCause::None:
+        return engineCode;
+    case StopCause::Signal:
+        console::say(Level::Notice, QStringLiteral("Τερματισμός μετά από σήμα"));
+        return engineCode;
+    case StopCause::WaitLimit:
+        console::say(Level::Error,
+                     QStringLiteral("Η ταμειακή έμεινε απασχολημένη πάνω από %1 δευτερόλεπτα· "
+                                    "η εργασία διακόπηκε")
+                         .arg(waitLimitSeconds));
+        return engineCode == 0 ? headless::kExitWaitLimit : engineCode;
+    }
+    return engineCode;
+}
 } // namespace
 
 int runHeadless(const Arguments& args)
 {
+    const QString port = startPort(args);
+    PortLock portLock;
+    if (!portLock.take(port)) {
+        console::say(Level::Error,
+                     QStringLiteral("Η θύρα %1 χρησιμοποιείται ήδη από άλλο kerbano (%2)")
+                         .arg(port.trimmed())
+                         .arg(portLock.holder()));
+        return headless::kExitPortTaken;
+    }
+
     RealClock clock;
     HeadlessOperator person(args.answers);
     FormModel form;
@@ -37,11 +84,18 @@ int runHeadless(const Arguments& args)
     Driver driver(clock, person, form, transports,
                   DriverOptions{QDir::currentPath(), ProgramDirectory(), args.commandLine, !oneAction});
     Engine& engine = driver.engine();
+    ModuleVariables& vars = engine.moduleVariables();
+    vars.DebugEnabled = args.log;
+    if (engine.commandLineLife())
+        vars.WaitLimitMs = qint64(args.waitLimitSeconds) * 1000;
     EngineTimers timers(engine);
     ActionRun actionRun(engine, driver.actions(), args.run);
+    ProcessSignals processSignals;
+    StopOnSignal stopOnSignal(engine, processSignals);
 
-    QObject::connect(&engine, &Engine::ended, QCoreApplication::instance(),
-                     [](int code) { QCoreApplication::exit(code); });
+    QObject::connect(&engine, &Engine::ended, QCoreApplication::instance(), [&](int code) {
+        QCoreApplication::exit(exitCodeOf(code, vars, args.waitLimitSeconds));
+    });
     QTimer::singleShot(0, &engine, [&] {
         bool started = true;
         if (oneAction)
@@ -50,7 +104,7 @@ int runHeadless(const Arguments& args)
             engine.Form_Load();
         // With no param.ini and no window there is nobody to fix it: end.
         if (started && !engine.hasEnded() && !engine.commandLineLife() && !engine.parametersRead())
-            QCoreApplication::exit(kExitNoParamFile);
+            QCoreApplication::exit(headless::kExitNoParamFile);
     });
     const int code = QCoreApplication::exec();
     // A Z file's mail still on its way is told before the life ends.

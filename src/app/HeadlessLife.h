@@ -3,5 +3,14 @@
 struct Arguments;
 
 // The life with no window: the status line on stdout, the person on stderr.
-// Returns the process's exit code.
+// Returns the process's exit code: the engine's, or one of these.
 int runHeadless(const Arguments& args);
+
+namespace headless {
+// No param.ini, and nobody to fix it.
+constexpr int kExitNoParamFile = 1;
+// The command-line life gave up on a register that stayed busy past --wait-limit.
+constexpr int kExitWaitLimit = 3;
+// Another kerbano holds the port.
+constexpr int kExitPortTaken = 6;
+} // namespace headless

@@ -84,6 +84,8 @@ DeviceReply DeviceSession::doSend(const QString& command, const SendOptions& opt
             return *withheld;
     }
     qint16 timeoutSeconds = options.timeoutSeconds;
+    // The resends of one command share one wait limit.
+    const qint64 waitSinceMs = clock_.monotonicMs();
     for (;;) {
         const LinkBackend::Exchanged exchanged = guarded
             ? exchangeDocumentCommand(command, effect, timeoutSeconds)
@@ -91,9 +93,9 @@ DeviceReply DeviceSession::doSend(const QString& command, const SendOptions& opt
                                     options.sendOnce);
         const DeviceReply& reply = exchanged.reply;
         if (!reply.ok() && !options.quiet) {
-            ShowDeviceMessage(reply.status(), reply.text());
+            const WaitEnd waitEnd = showStatus(reply.status(), reply.text(), waitSinceMs);
             // The register has cleared by now: the same command goes out again.
-            if (IsRetryStatus(reply.status()))
+            if (waitEnd == WaitEnd::Cleared && IsRetryStatus(reply.status()))
                 continue;
         }
         if (!reply.ok() && options.logMode == SendOptions::kLogModeResultFile)

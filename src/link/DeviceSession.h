@@ -57,6 +57,17 @@ public:
     static constexpr qint16 kStatusTotalsDiffer = -31;
     static constexpr qint16 kStatusJobStopped = -32;
 
+    // How a device-wait window ended.
+    enum class WaitEnd {
+        // A poll answered 0, or the operator closed the window: a retry
+        // status sends the command again.
+        Cleared,
+        // The process is ending (ModuleVariables::Stop) or the wait passed
+        // WaitLimitMs: the window closes and nothing is sent again. A card
+        // payment's wait is never given up.
+        GivenUp,
+    };
+
     // Holds the session for one conversation. Conversations nest on the
     // session's own account; one begun while the session runs the event loop
     // for another is refused.
@@ -111,7 +122,10 @@ private:
                     bool quiet);
     void openTcp(const QString& address, quint16 tcpPort, qint16& status, QString& reply,
                  bool quiet);
-    void runWaitWindow(qint16 status, const QString& reply);
+    // ShowDeviceMessage for a command that has waited since waitSinceMs.
+    WaitEnd showStatus(qint16 status, const QString& reply, qint64 waitSinceMs);
+    WaitEnd runWaitWindow(qint16 status, const QString& reply, qint64 waitSinceMs);
+    bool waitGivenUp(qint64 waitSinceMs);
     void appendErrLine(qint16 status, const QString& sentForm);
 
     // The resend decision for the commands that change the receipt in hand.

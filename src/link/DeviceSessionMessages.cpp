@@ -31,23 +31,30 @@ QString pollStateLine(qint16 status)
 
 void DeviceSession::ShowDeviceMessage(qint16 status, const QString& reply)
 {
+    showStatus(status, reply, clock_.monotonicMs());
+}
+
+DeviceSession::WaitEnd DeviceSession::showStatus(qint16 status, const QString& reply,
+                                                 qint64 waitSinceMs)
+{
     const Conversation conversation(*this);
     if (conversation.refused())
-        return;
+        return WaitEnd::Cleared;
     if (!IsWaitStatus(status)) {
         const QString shown = reply.left(kMessageWidth).leftJustified(kMessageWidth, u' ');
         op_.message(LinkMessageTitle(vars_),
                     QStringLiteral("Λάθος : ") + QString::number(status) + u'\r' + shown,
                     Operator::Icon::Critical, Operator::Buttons::Ok);
-        return;
+        return WaitEnd::Cleared;
     }
     // A second window is refused silently: the caller goes on as if it had closed.
     if (waitFormOpen_)
-        return;
-    runWaitWindow(status, reply);
+        return WaitEnd::Cleared;
+    return runWaitWindow(status, reply, waitSinceMs);
 }
 
-void DeviceSession::runWaitWindow(qint16 status, const QString& reply)
+DeviceSession::WaitEnd DeviceSession::runWaitWindow(qint16 status, const QString& reply,
+                                                    qint64 waitSinceMs)
 {
     const QString caption = QStringLiteral("Μήνυμα Ταμειακής (%1)").arg(vars_.DeviceLabel);
     const QString stateLine = status == 193 ? QStringLiteral("Αναμονή EFTPOS[%1]").arg(status)
@@ -56,17 +63,25 @@ void DeviceSession::runWaitWindow(qint16 status, const QString& reply)
     waitFormOpen_ = true;
 
     // One poll at a time: the next tick comes only after the last has ended.
-    for (;;) {
+    WaitEnd end = WaitEnd::GivenUp;
+    while (!waitGivenUp(waitSinceMs)) {
         WaitPumping(kPollIntervalMs);
-        if (op_.waitWindowClosedByOperator())
+        if (op_.waitWindowClosedByOperator()) {
+            end = WaitEnd::Cleared;
+            break;
+        }
+        // Asked to end while the window was up: no poll more.
+        if (waitGivenUp(waitSinceMs))
             break;
         const DeviceReply poll =
             send(DeviceCommands::StatusProbe(),
                  {.quiet = true,
                   .timeoutSeconds = vars_.EftBusy ? kPollWaitSecondsEft : kPollWaitSeconds,
                   .logMode = SendOptions::kLogModeProbe});
-        if (poll.ok())
+        if (poll.ok()) {
+            end = WaitEnd::Cleared;
             break;
+        }
         if (poll.status() == kStatusOperatorBusy) {
             log_.PrintCombine(LinkLogStamp(clock_) + QStringLiteral(" open Receipt, wait 10s"));
             WaitPumping(kOperatorBusyPauseMs);
@@ -76,4 +91,19 @@ void DeviceSession::runWaitWindow(qint16 status, const QString& reply)
     }
     op_.closeWaitWindow();
     waitFormOpen_ = false;
+    return end;
+}
+
+// A card payment is waited out whatever happens: a charge is never left unknown.
+bool DeviceSession::waitGivenUp(qint64 waitSinceMs)
+{
+    if (vars_.EftBusy)
+        return false;
+    if (vars_.Stop != StopCause::None)
+        return true;
+    if (vars_.WaitLimitMs > 0 && clock_.monotonicMs() - waitSinceMs >= vars_.WaitLimitMs) {
+        vars_.Stop = StopCause::WaitLimit;
+        return true;
+    }
+    return false;
 }

@@ -107,6 +107,7 @@ void Engine::Form_Load()
 {
     Q_ASSERT(link_ && printer_ && startParts_);
     const Work work(*this);
+    startMs_ = clock_.monotonicMs();
     if (commandLineLife()) {
         const CommandLineFields fields = readcoman(options_.commandLine);
         if (!commandLineUsable(fields)) {
@@ -133,6 +134,11 @@ void Engine::Form_Load()
     const bool opened = status == 0 && link_->isConnected();
     if (!opened) {
         enterLinkFailed(status, reply);
+        // The first of the command-line life's questions, unanswered.
+        if (commandLineLife()) {
+            state_.LastStatus = status;
+            state_.LastReply = reply;
+        }
     } else {
         if (!vars_.DeviceLabel.isEmpty())
             form_.setLabel2(vars_.DeviceLabel);
@@ -202,7 +208,13 @@ void Engine::commandLineJob()
     setTimer(timer1_, true, kTimer1DesignedMs);
 
     const QString path = watch_.namedPath(settings_);
-    if (!initializeForCommandLine()) {
+    const bool answered = initializeForCommandLine();
+    if (stopRequested()) { // asked to end first: the file stays for the next run
+        closeLinkIfOpen();
+        end(0);
+        return;
+    }
+    if (!answered) {
         form_.setComstattxt(QStringLiteral("Λάθος : %1 - %2").arg(state_.LastStatus).arg(state_.LastReply));
         person_.message(messageTitle(),
                         QStringLiteral("Η φορολογική ταμειακή δεν απαντά. Το αρχείο %1 δεν εκτυπώθηκε "
@@ -229,14 +241,22 @@ void Engine::commandLineJob()
 
 // The register may still be waking: ask it a few times. A register that
 // stays silent gets no file: it stays where it is, unprinted, for the next run.
+// The minute counts from the start of the life, the opening included, and an
+// attempt begins only while what is left of it holds the longest attempt so
+// far: the link's own deadlines (four sends of ten seconds over TCP) stay as
+// they are, and the life still gives up within its minute.
 bool Engine::initializeForCommandLine()
 {
-    const qint64 giveUpAt = clock_.monotonicMs() + kCommandLineInitializeGiveUpMs;
-    for (int attempt = 0; attempt < kCommandLineInitializeAttempts; ++attempt) {
+    const qint64 giveUpAt = startMs_ + kCommandLineInitializeGiveUpMs;
+    // An opening that went unanswered was the first attempt.
+    qint64 longestMs = link_->isConnected() ? 0 : clock_.monotonicMs() - startMs_;
+    for (int attempt = 0; attempt < kCommandLineInitializeAttempts && !stopRequested(); ++attempt) {
+        const qint64 began = clock_.monotonicMs();
+        const qint64 pauseMs = attempt > 0 ? kCommandLineInitializePauseMs : 0;
+        if (began + pauseMs + longestMs > giveUpAt)
+            break;
         if (attempt > 0) {
-            if (clock_.monotonicMs() >= giveUpAt)
-                break;
-            clock_.sleepMs(kCommandLineInitializePauseMs);
+            clock_.sleepMs(pauseMs);
             if (!link_->isConnected()) {
                 qint16 status = 0;
                 QString reply;
@@ -246,6 +266,7 @@ bool Engine::initializeForCommandLine()
         printer_->FPrinterWrite(QString(), QStringLiteral("initialize"));
         if (state_.LastStatus == 0)
             return true;
+        longestMs = qMax(longestMs, clock_.monotonicMs() - began);
     }
     return false;
 }
@@ -400,7 +421,7 @@ Engine::ArrivalLook Engine::tick(TickKind kind)
 {
     // A job pumps the event loop; a tick never runs inside another one. The
     // command-line life runs its one file from the start, not from a tick.
-    if (ended_ || commandLineLife())
+    if (ended_ || commandLineLife() || stopRequested())
         return ArrivalLook::NotNow;
     if (inJob_)
         return ArrivalLook::Busy;
@@ -431,6 +452,15 @@ Engine::ArrivalLook Engine::tick(TickKind kind)
     }
     inJob_ = false;
     return outcome;
+}
+
+void Engine::rereadSettings()
+{
+    if (ended_ || busy())
+        return;
+    const Work work(*this);
+    readTickSettings();
+    showSettings();
 }
 
 bool Engine::readTickSettings()

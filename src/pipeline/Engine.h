@@ -100,6 +100,12 @@ public:
     // The menu entry end: closes the link and ends the process with exitCode.
     void unload(int exitCode = 0);
 
+    // param.ini read now, as the next tick would read it (SIGHUP). Nothing
+    // while a start, a tick or a job is running: the next tick reads it.
+    void rereadSettings();
+    // The process is to end (ModuleVariables::Stop): no new job starts.
+    bool stopRequested() const { return vars_.Stop != StopCause::None; }
+
     // One job from the print file at path.
     void getdata(const QString& path, const JobSettings& settings);
 
@@ -182,6 +188,7 @@ private:
     TimerState mTimer_{false, kMTimerMs};
     EngineState engineState_ = EngineState::Starting;
     int workDepth_ = 0;
+    qint64 startMs_ = 0; // Form_Load's, on the clock
     bool inJob_ = false;
     bool ended_ = false;
     int exitCode_ = 0;

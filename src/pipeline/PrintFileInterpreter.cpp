@@ -98,6 +98,9 @@ void PrintFileInterpreter::run(const QStringList& lines, const std::function<voi
     for (int i = 0; i < count; ++i) {
         if (onLine)
             onLine(i);
+        // The process is ending: the job stops between two lines.
+        if (ctx_.vars.Stop != StopCause::None)
+            return;
         if (i == resultLine || i == tagLine)
             continue;
         const Flow flow = runLine(lines, i);

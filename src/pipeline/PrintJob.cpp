@@ -29,6 +29,13 @@ bool printFileReadable(const QString& path)
 
 const QString kTitleBeforeDevice = QStringLiteral("Μύνημα Kerbano");
 constexpr int kAmountDecimals = 2;
+
+// Why a job ended before its last line.
+QString stoppedLine(StopCause cause)
+{
+    return cause == StopCause::WaitLimit ? QStringLiteral("stopped = wait limit")
+                                         : QStringLiteral("stopped = signal");
+}
 } // namespace
 
 PrintJob::PrintJob(Clock& clock, Operator& person, FormModel& form, ModuleVariables& vars,
@@ -134,6 +141,8 @@ void PrintJob::close()
                          .arg(figures.ordNumber));
     for (const QString& note : std::as_const(notes_))
         appendResultLine(note);
+    if (vars_.Stop != StopCause::None)
+        appendResultLine(stoppedLine(vars_.Stop));
     appendResultLine(QStringLiteral("exitcode = 0"));
     form_.setLblreceipt(QString::number(figures.recNumberDaily));
 

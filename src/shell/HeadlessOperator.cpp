@@ -1,12 +1,20 @@
 #include "shell/HeadlessOperator.h"
 
-#include <cstdio>
+#include "shell/ConsoleLine.h"
 
 namespace {
-void say(const QString& text)
+using console::Level;
+using console::say;
+
+Level levelOf(Operator::Icon icon)
 {
-    std::fprintf(stderr, "%s\n", text.toUtf8().constData());
-    std::fflush(stderr);
+    switch (icon) {
+    case Operator::Icon::Critical: return Level::Error;
+    case Operator::Icon::Warning: return Level::Warning;
+    case Operator::Icon::Question: return Level::Notice;
+    case Operator::Icon::Information: break;
+    }
+    return Level::Info;
 }
 
 const QString kCancelled = QStringLiteral("Άκυρο");
@@ -22,10 +30,10 @@ HeadlessOperator::HeadlessOperator(const QStringList& answers)
 {
 }
 
-Operator::Answer HeadlessOperator::message(const QString& title, const QString& text, Icon,
+Operator::Answer HeadlessOperator::message(const QString& title, const QString& text, Icon icon,
                                            Buttons buttons)
 {
-    say(QStringLiteral("[%1] %2").arg(title, flat(text)));
+    say(levelOf(icon), QStringLiteral("[%1] %2").arg(title, flat(text)));
     switch (buttons) {
     case Buttons::YesNo:
     case Buttons::YesNoCancel:
@@ -41,7 +49,8 @@ void HeadlessOperator::openWaitWindow(const QString& caption, const QString& sta
                                       const QString& description)
 {
     lastWaitLine_ = stateLine + QLatin1Char(' ') + description;
-    say(QStringLiteral("[%1] %2").arg(caption, flat(lastWaitLine_)));
+    // Nobody closes this window headless: whoever reads the journal must know.
+    say(Level::Warning, QStringLiteral("[%1] %2").arg(caption, flat(lastWaitLine_)));
 }
 
 void HeadlessOperator::updateWaitWindow(const QString& stateLine, const QString& description)
@@ -50,7 +59,7 @@ void HeadlessOperator::updateWaitWindow(const QString& stateLine, const QString&
     if (line == lastWaitLine_)
         return; // a poll every 2 s would flood the terminal otherwise
     lastWaitLine_ = line;
-    say(flat(line));
+    say(Level::Warning, flat(line));
 }
 
 void HeadlessOperator::closeWaitWindow()
@@ -62,24 +71,24 @@ std::optional<QString> HeadlessOperator::input(const QString& title, const QStri
                                                const QString&)
 {
     const std::optional<QString> answer = nextAnswer();
-    say(QStringLiteral("[%1] %2 -> %3").arg(title, flat(prompt), answer ? *answer : kCancelled));
+    say(Level::Info, QStringLiteral("[%1] %2 -> %3").arg(title, flat(prompt), answer ? *answer : kCancelled));
     return answer;
 }
 
 std::optional<int> HeadlessOperator::choose(const QString& title, const QString& prompt,
                                             const QStringList& entries)
 {
-    say(QStringLiteral("[%1] %2").arg(title, flat(prompt)));
+    say(Level::Info, QStringLiteral("[%1] %2").arg(title, flat(prompt)));
     for (qsizetype i = 0; i < entries.size(); ++i)
-        say(QStringLiteral("  %1. %2").arg(i + 1).arg(flat(entries.at(i))));
+        say(Level::Info, QStringLiteral("  %1. %2").arg(i + 1).arg(flat(entries.at(i))));
     const std::optional<QString> answer = nextAnswer();
     bool number = false;
     const int chosen = answer ? answer->trimmed().toInt(&number) : 0;
     if (!number || chosen < 1 || chosen > entries.size()) {
-        say(QStringLiteral("-> ") + kCancelled);
+        say(Level::Info, QStringLiteral("-> ") + kCancelled);
         return std::nullopt;
     }
-    say(QStringLiteral("-> %1. %2").arg(chosen).arg(flat(entries.at(chosen - 1))));
+    say(Level::Info, QStringLiteral("-> %1. %2").arg(chosen).arg(flat(entries.at(chosen - 1))));
     return chosen - 1;
 }
 

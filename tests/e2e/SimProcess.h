@@ -15,6 +15,9 @@ public:
     SimProcess(const SimProcess&) = delete;
     SimProcess& operator=(const SimProcess&) = delete;
 
+    // Arguments for the register behind the wire's own (--faults FILE, say);
+    // for the next start.
+
     // Listens on a free loopback port at or below 32767; false when no port
     // could be taken within a few tries.
     bool startTcp();

@@ -14,6 +14,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+// Pseudo-terminals and a register on raw sockets: POSIX only.
+#ifdef Q_OS_UNIX
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <pty.h>
@@ -170,3 +172,5 @@ TEST_F(RealTcpLink, RefusedConnectionIsStatusMinusSix)
 }
 
 } // namespace
+
+#endif
