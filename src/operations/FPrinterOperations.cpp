@@ -225,12 +225,18 @@ void FPrinterOperations::tot(const QString& text, QVariant& a, QVariant& b, QVar
     state_.PaymentDone = true;
 }
 
-// The table is brought to the register first; then it is paid. The card
-// road of a table (an active record without pre-collection) takes over from
-// the plain payment once the card subsystem provides it.
+// The table is brought to the register first; then it is paid, by the card
+// road of a table for an active record without pre-collection, else plainly.
 void FPrinterOperations::tableTotal(double amount, qint16 payment)
 {
     tables_->bringTableToRegister();
+    const PayEftRecord record = PaymentMapLookup(payment, payEftPath_, op_);
+    if (record.isActive() && !record.isPreCollect()) {
+        const clsPayment card{payment, amount, QString()};
+        if (cards_->payTableByCard(record, card, state_.currentTable(), state_.tableDiscount()))
+            tables_->forgetPaidTable(state_.currentTable());
+        return;
+    }
     tables_->payTable(amount, payment);
 }
 

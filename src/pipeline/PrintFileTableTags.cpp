@@ -3,6 +3,7 @@
 #include "pipeline/PrintFileInterpreter.h"
 
 #include "link/DeviceLink.h"
+#include "payments/CardRoads.h"
 #include "payments/PaymentMap.h"
 #include "pipeline/PrintFileColumns.h"
 #include "protocol/DeviceCommands.h"
@@ -189,9 +190,15 @@ void PrintFileInterpreter::payOnTable(qint16 payment)
     if (!ctx_.tables)
         return;
     ctx_.tables->bringTableToRegister();
-    // The record is read afresh: an active one without pre-collection is the
-    // table card road, which the card subsystem puts in front of this payment.
+    // The record is read afresh: an active one without pre-collection takes
+    // the table card road; a table it paid leaves the store.
     const PayEftRecord record = PaymentMapLookup(payment, payeftPath(), ctx_.op);
-    Q_UNUSED(record)
+    if (record.isActive() && !record.isPreCollect()) {
+        const clsPayment card{payment, 0.0, QString()};
+        if (ctx_.cards.payTableByCard(record, card, ctx_.receipt.currentTable(),
+                                      ctx_.receipt.tableDiscount()))
+            ctx_.tables->DeleteTableRecords(ctx_.receipt.currentTable());
+        return;
+    }
     ctx_.tables->payTable(payment, 0.0, false);
 }

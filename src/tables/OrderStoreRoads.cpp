@@ -71,3 +71,8 @@ qint32 OrderStoreRoads::clearOrderStore()
         flows_.reportStoreFault(store);
     return result;
 }
+
+void OrderStoreRoads::forgetPaidTable(qint16 table)
+{
+    flows_.DeleteTableRecords(table);
+}

@@ -16,6 +16,7 @@ public:
     void moveItem(const clsTable& item) override;
     void bringTableToRegister() override;
     void payTable(double amount, qint16 payment) override;
+    void forgetPaidTable(qint16 table) override;
     qint32 clearOrderStore() override;
 
 private:

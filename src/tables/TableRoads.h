@@ -32,6 +32,8 @@ public:
     virtual void bringTableToRegister() {}
     // tot in TableMode 1 or 2, the plain payment: the table is closed and paid.
     virtual void payTable(double amount, qint16 payment) { Q_UNUSED(amount) Q_UNUSED(payment) }
+    // tot in TableMode 1 or 2, after the card road of the table paid it: its rows go.
+    virtual void forgetPaidTable(qint16 table) { Q_UNUSED(table) }
     // End of a good 0Z: every store row and line counter goes. Answers as the
     // store does: 0 or a count good, -1 failed call, -2 no rows, -3 no store.
     virtual qint32 clearOrderStore() { return -2; }

@@ -1,4 +1,5 @@
 #include "operations/FPrinterOperations.h"
+#include "payments/PaymentMap.h"
 #include "payments/EftCardRoads.h"
 #include "pipeline/PrintFileInterpreter.h"
 #include "records/ReceiptState.h"
@@ -239,4 +240,37 @@ TEST_F(PrintFileTableTagsTest, LtbListsTheTablesWithItemsInTheResultFile)
     run({QStringLiteral(" ltb  001-005")});
     EXPECT_EQ(link.sent.size(), 5);
     EXPECT_EQ(results.lines, QStringList{"tblList   = 2, 4"});
+}
+
+TEST_F(PrintFileTableTagsTest, ATablePaidByCardTakesTheTableCardRoadAndLeavesTheStoreOnlyWhenPaid)
+{
+    PayEftRecord card;
+    card.payId = 4;
+    card.ecrPayment = 3;
+    card.ecrEft = 2;
+    card.active = -1;
+    ASSERT_EQ(WritePayEftRecord(dir.filePath("payeft.dat"), card), 0);
+    const auto queryAnswers = [this](const QString& terminalText) {
+        const auto sale = link.responder;
+        link.responder = [sale, terminalText](const QString& command, ScriptedLink::Answer& a) {
+            if (command != QLatin1String("5/99/0/ ///1/1/"))
+                return sale(command, a);
+            a = {0, QStringLiteral("00/00/00/1/1/2/3/0.00/VISA/****1234/123456/0101/05/42/7/978/ACQ/")
+                        + terminalText + QStringLiteral("/")};
+            return true;
+        };
+    };
+
+    queryAnswers(QStringLiteral("DECLINED BY THE TERMINAL"));
+    run({QStringLiteral(" TBO  7"), pluLine("ΚΑΦΕΣ", "1", "2.00"), QStringLiteral(" pay  04")});
+    EXPECT_TRUE(link.commands().contains("&/3/7//0/3///////0.00///2/1/"));
+    EXPECT_EQ(find(7, "ΚΑΦΕΣ", 1, 2).Result, 0); // a declined card keeps the table's rows
+
+    link.sent.clear();
+    queryAnswers(QStringLiteral("APPROVED"));
+    const QStringList sent = run({QStringLiteral(" TBO  7"), QStringLiteral(" pay  04")});
+    EXPECT_TRUE(sent.contains("&/1/7//0////////0.00/////"));
+    EXPECT_TRUE(sent.contains("&/3/7//0/3///////0.00///2/1/"));
+    EXPECT_FALSE(sent.contains("&/3/7//0/4///////0.00/////")); // no plain payment behind the card
+    EXPECT_EQ(find(7, "ΚΑΦΕΣ", 1, 2).Result, -2);
 }
