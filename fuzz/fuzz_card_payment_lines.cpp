@@ -1,11 +1,17 @@
-// The card transactions reply ("5/99/0/ ///1/1/") turned into result lines.
+// The register's card transactions of the receipt ("5/99/0/ ///1/1/") turned
+// into the result file's ccPay lines. The input is the reply.
 #include "pipeline/JobClosing.h"
-#include "shell/CodePage.h"
+#include "records/ReceiptState.h"
 
 #include "support/FuzzScratch.h"
+#include "support/ReplyScript.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    CardPaymentLinesOfReply(codepage::fromWin1253(fuzzing::bytesOf(data, size)));
+    ScriptedLink link;
+    ReplyScript replies(fuzzing::bytesOf(data, size));
+    replies.answer(link);
+    ReceiptState receipt;
+    CardPaymentLines(link, receipt);
     return 0;
 }

@@ -4,25 +4,31 @@
 // one a line, in the order the commands go out.
 #include "config/VatFile.h"
 #include "operations/FPrinterOperations.h"
-#include "operations/ReceiptState.h"
 #include "payments/UnavailableCardRoads.h"
 #include "pipeline/CommandLine.h"
 #include "pipeline/JobClosing.h"
 #include "pipeline/PrintFileInterpreter.h"
+#include "records/ReceiptState.h"
 #include "shell/Clock.h"
 #include "shell/CodePage.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
 #include "shell/ProgressIndicator.h"
+#include "shell/ResultSink.h"
 
 #include "support/FuzzScratch.h"
 #include "support/ReplyScript.h"
 
 #include "ScriptedOperator.h"
 
-#include <QFile>
-
 namespace {
+
+// The result file kept in memory: the walk's lines are counted, never written,
+// so no line of a print file can name a place to write.
+struct CountedResults final : ResultSink {
+    qsizetype lines = 0;
+    void appendResultLine(const QString&) override { ++lines; }
+};
 
 // The settings of the demo's command line: descriptions, comments,
 // departments and quantities from the file.
@@ -55,15 +61,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     replies.answer(link);
     ReceiptState receipt;
     ModuleVariables vars;
-    vars.ResultPath = fuzzing::scratchPath(QStringLiteral("result.txt"));
-    QFile::remove(vars.ResultPath);
+    CountedResults results;
     clsind progress{form};
     UnavailableCardRoads cards{link};
     FPrinterOperations printer(link, receipt, vars, person, form, progress,
                                fuzzing::scratchPath(QStringLiteral("payeft.dat")));
     printer.setCardRoads(cards);
 
-    InterpreterContext context{receipt, vars, printer, link, person, clock, cards,
+    InterpreterContext context{receipt, vars, printer, link, person, clock, cards, results,
                                fuzzing::scratchDir().path(), [] {}};
     PrintFileInterpreter(std::move(context), demoSettings()).run(lines);
     CardPaymentLines(link, receipt);

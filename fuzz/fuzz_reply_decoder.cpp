@@ -1,5 +1,5 @@
 // Any reply text through DecodeReply, the way the link reads every reply.
-#include "link/ReplyDecoder.h"
+#include "protocol/ReplyDecoder.h"
 #include "shell/CodePage.h"
 
 #include "support/FuzzScratch.h"

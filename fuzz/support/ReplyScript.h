@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/ReplyDecoder.h"
+#include "protocol/DeviceReply.h"
 #include "shell/CodePage.h"
 
 #include "ScriptedLink.h"
@@ -28,10 +28,8 @@ public:
         const QByteArray line = lines_.at(next_++);
         if (line.isEmpty())
             return {kNoReply, QString()};
-        ScriptedLink::Answer answer;
-        answer.reply = codepage::fromWin1253(line);
-        answer.status = DecodeReply(answer.reply, false);
-        return answer;
+        const DeviceReply reply = DeviceReply::decode(codepage::fromWin1253(line), false);
+        return {reply.status(), reply.text()};
     }
 
     // Lets link answer every command from this script.
