@@ -1,7 +1,7 @@
 // A card command must never reach the register twice while its terminal may
 // still be working: one send with the whole card wait on either wire, and the
 // device-wait window polling with the card's long wait while EftBusy is set.
-#include "FakeTransport.h"
+#include "SessionWorld.h"
 #include "PrintQString.h"
 #include "ScriptedOperator.h"
 
@@ -17,17 +17,13 @@
 
 namespace {
 
-struct DiscardingSink final : ResultSink {
-    void appendResultLine(const QString&) override {}
-};
-
 const QString kCard = QStringLiteral("5/3/9.00////2/1/");
 const SendOptions kCardOptions{.timeoutSeconds = 301, .logMode = SendOptions::kLogModeCard,
                                .sendOnce = true};
 
 // A register whose terminal answers a card payment cardAnswerMs after it came
 // (never when negative), and answers every ENQ after enqAnswerMs.
-class CardSendOnceTest : public ::testing::Test {
+class CardSendOnceTest : public ::testing::Test, protected SessionWorld {
 protected:
     CardSendOnceTest()
     {
@@ -62,16 +58,6 @@ protected:
         sent.clear();
     }
 
-    VirtualClock clock;
-    ModuleVariables vars;
-    QTemporaryDir dir;
-    CommunicationLog log{dir.path(), vars};
-    ScriptedOperator op;
-    FormModel form;
-    FakeFactory factory{clock};
-    DiscardingSink results;
-    DevicePort port{vars, clock, op, factory, log};
-    DeviceSession link{port, vars, clock, op, form, results, log};
     QStringList sent;
     qint64 cardAnswerMs = 40000;
     qint64 enqAnswerMs = 5;

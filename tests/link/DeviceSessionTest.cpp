@@ -1,4 +1,4 @@
-#include "FakeTransport.h"
+#include "SessionWorld.h"
 #include "ScriptedOperator.h"
 
 #include "link/DevicePort.h"
@@ -18,15 +18,9 @@
 
 namespace {
 
-// The result file's writer as the session sees it: the lines handed over.
-struct RecordingSink final : ResultSink {
-    QStringList lines;
-    void appendResultLine(const QString& line) override { lines << line; }
-};
-
 // A register behind the link: each command is answered from its own queue of
 // replies (the last one repeats); commands without a queue get "00/00/00/".
-class DeviceSessionTest : public ::testing::Test {
+class DeviceSessionTest : public ::testing::Test, protected SessionWorld {
 protected:
     DeviceSessionTest()
     {
@@ -64,16 +58,6 @@ protected:
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
 
-    VirtualClock clock;
-    ModuleVariables vars;
-    QTemporaryDir dir;
-    CommunicationLog log{dir.path(), vars};
-    ScriptedOperator op;
-    FormModel form;
-    FakeFactory factory{clock};
-    RecordingSink results;
-    DevicePort port{vars, clock, op, factory, log};
-    DeviceSession link{port, vars, clock, op, form, results, log};
     std::map<QString, std::deque<QString>> replies;
     QStringList sent;
     qint16 status = 99;

@@ -2,7 +2,7 @@
 // of the register's figures before the payment, against a small register
 // behind a fake line that keeps its receipt and can lose a reply.
 
-#include "FakeTransport.h"
+#include "SessionWorld.h"
 #include "ScriptedOperator.h"
 
 #include "link/DevicePort.h"
@@ -20,13 +20,6 @@
 
 namespace {
 
-struct RecordingSink final : ResultSink {
-    QStringList lines;
-    QStringList notes;
-    void appendResultLine(const QString& line) override { lines << line; }
-    void noteBeforeExit(const QString& line) override { notes << line; }
-};
-
 const QString kCoffee = QStringLiteral("3/S/ΚΑΦΕΣ//2.000/3.50/1/24.00/"); // 7.00
 const QString kWater = QStringLiteral("3/S/ΝΕΡΟ//1.000/0.50/2/13.00/");  // 0.50
 const QString kTenPercentOff = QStringLiteral("4/10.00//ΕΚΠΤΩΣΗ/0/0/0/"); // 0.70 off the coffee
@@ -36,7 +29,7 @@ const QString kComment = QStringLiteral("7/1/1/ΠΕΛΑΤΗΣ/");
 // What the register does with one command.
 enum class Fault { None, Lost, Silent, Late, NoEnq, Nack };
 
-class ReceiptWatchTest : public ::testing::Test {
+class ReceiptWatchTest : public ::testing::Test, protected SessionWorld {
 protected:
     ReceiptWatchTest()
     {
@@ -120,16 +113,6 @@ protected:
     static QString money(qint64 cents) { return QString::number(cents / 100.0, 'f', 2); }
     int timesHeard(const QString& command) const { return int(heard.count(command)); }
 
-    VirtualClock clock;
-    ModuleVariables vars;
-    QTemporaryDir dir;
-    CommunicationLog log{dir.path(), vars};
-    ScriptedOperator op;
-    FormModel form;
-    FakeFactory factory{clock};
-    RecordingSink results;
-    DevicePort port{vars, clock, op, factory, log};
-    DeviceSession link{port, vars, clock, op, form, results, log};
 
     std::map<QString, Fault> faults;
     bool holdEnq = false;

@@ -1,4 +1,4 @@
-#include "FakeTransport.h"
+#include "SessionWorld.h"
 #include "ScriptedOperator.h"
 
 #include "link/DevicePort.h"
@@ -16,15 +16,10 @@
 
 namespace {
 
-struct LinesSink final : ResultSink {
-    QStringList lines;
-    void appendResultLine(const QString& line) override { lines << line; }
-};
-
 // A register over TCP that answers each command from its own queue (the last
 // reply repeats) and lets a test act as a command arrives: a signal that
 // comes in while the wait window polls, say.
-class WaitWindowEndTest : public ::testing::Test {
+class WaitWindowEndTest : public ::testing::Test, protected SessionWorld {
 protected:
     WaitWindowEndTest()
     {
@@ -56,16 +51,6 @@ protected:
         return n;
     }
 
-    VirtualClock clock;
-    ModuleVariables vars;
-    QTemporaryDir dir;
-    CommunicationLog log{dir.path(), vars};
-    ScriptedOperator op;
-    FormModel form;
-    FakeFactory factory{clock};
-    LinesSink results;
-    DevicePort port{vars, clock, op, factory, log};
-    DeviceSession link{port, vars, clock, op, form, results, log};
     std::map<QString, std::deque<QString>> replies;
     std::function<void(const QString& command, qsizetype timesSent)> onCommand;
     QStringList sent;
