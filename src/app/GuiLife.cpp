@@ -1,6 +1,8 @@
 #include "GuiLife.h"
 
 #include "Arguments.h"
+#include "HeadlessLife.h"
+#include "PortLock.h"
 #include "shell/Paths.h"
 #include "ui/KerbanoGui.h"
 
@@ -33,6 +35,9 @@ int runGui(int argc, char** argv)
         std::fprintf(stderr, "%s\n", args.error.toUtf8().constData());
         return 1;
     }
+    PortLock portLock;
+    if (!takePortOfLife(args, portLock))
+        return headless::kExitPortTaken;
     EngineThread::Setup setup;
     setup.driver = DriverOptions{QDir::currentPath(), ProgramDirectory(), args.commandLine,
                                  args.run.isEmpty()};

@@ -31,17 +31,6 @@ void printLine(const QString& text)
 }
 
 // The port the life starts on: the command line's, or param.ini's.
-QString startPort(const Arguments& args)
-{
-    if (!args.commandLine.isEmpty())
-        return readcoman(args.commandLine).port;
-    ParamSettings settings;
-    if (!readParamFile(QDir::current().filePath(QStringLiteral("param.ini")), ParamReader::Start,
-                       settings))
-        return {};
-    return settings.port;
-}
-
 // The engine's exit code, or what a stop made of it.
 int exitCodeOf(int engineCode, const ModuleVariables& vars, int waitLimitSeconds)
 {
@@ -62,17 +51,34 @@ int exitCodeOf(int engineCode, const ModuleVariables& vars, int waitLimitSeconds
 }
 } // namespace
 
-int runHeadless(const Arguments& args)
+// The [port] the life will open: the command line's, else param.ini's.
+static QString startPort(const Arguments& args)
+{
+    if (!args.commandLine.isEmpty())
+        return readcoman(args.commandLine).port;
+    ParamSettings settings;
+    if (!readParamFile(QDir::current().filePath(QStringLiteral("param.ini")), ParamReader::Start,
+                       settings))
+        return {};
+    return settings.port;
+}
+
+bool takePortOfLife(const Arguments& args, PortLock& lock)
 {
     const QString port = startPort(args);
+    if (lock.take(port))
+        return true;
+    console::say(Level::Error, QStringLiteral("Η θύρα %1 χρησιμοποιείται ήδη από άλλο kerbano (%2)")
+                                   .arg(port.trimmed())
+                                   .arg(lock.holder()));
+    return false;
+}
+
+int runHeadless(const Arguments& args)
+{
     PortLock portLock;
-    if (!portLock.take(port)) {
-        console::say(Level::Error,
-                     QStringLiteral("Η θύρα %1 χρησιμοποιείται ήδη από άλλο kerbano (%2)")
-                         .arg(port.trimmed())
-                         .arg(portLock.holder()));
+    if (!takePortOfLife(args, portLock))
         return headless::kExitPortTaken;
-    }
 
     RealClock clock;
     HeadlessOperator person(args.answers);

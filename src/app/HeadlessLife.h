@@ -1,10 +1,15 @@
 #pragma once
 
 struct Arguments;
+class PortLock;
 
 // The life with no window: the status line on stdout, the person on stderr.
 // Returns the process's exit code: the engine's, or one of these.
 int runHeadless(const Arguments& args);
+
+// Takes the lock of the port this life will open, in any life; false (and
+// said on stderr) when another kerbano holds it.
+bool takePortOfLife(const Arguments& args, PortLock& lock);
 
 namespace headless {
 // No param.ini, and nobody to fix it.
