@@ -1,10 +1,12 @@
-// A whole print file walked against a scripted register, then the job's
+// A whole print file walked against a scripted register, with the card roads
+// and the restaurant tables over an order store of its own, then the job's
 // closing reads, as getdata runs a job. The print file comes first, in
 // Windows-1253 and cut at CR LF; behind a NUL byte, the register's replies,
 // one a line, in the order the commands go out.
 #include "config/VatFile.h"
 #include "operations/FPrinterOperations.h"
-#include "payments/UnavailableCardRoads.h"
+#include "payments/EftCardRoads.h"
+#include "payments/PaymentMap.h"
 #include "pipeline/CommandLine.h"
 #include "pipeline/JobClosing.h"
 #include "pipeline/PrintFileInterpreter.h"
@@ -15,11 +17,15 @@
 #include "shell/ModuleVariables.h"
 #include "shell/ProgressIndicator.h"
 #include "shell/ResultSink.h"
+#include "tables/OrderStoreRoads.h"
+#include "tables/TableFlows.h"
 
 #include "support/FuzzScratch.h"
 #include "support/ReplyScript.h"
 
 #include "ScriptedOperator.h"
+
+#include <QDir>
 
 namespace {
 
@@ -44,6 +50,15 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
     fuzzing::startApplication();
     WriteVatsFile(fuzzing::scratchPath(QStringLiteral("vats.dat")), {24.0, 13.0, 6.0, 17.0, 9.0});
+    // Payment 2 is a card on terminal 1, tried three times, cash taking over.
+    PayEftRecord card;
+    card.payId = 2;
+    card.ecrPayment = 3;
+    card.ecrEft = 1;
+    card.active = -1;
+    card.retries = 2;
+    card.altPayment = 1;
+    WritePayEftRecord(fuzzing::scratchPath(QStringLiteral("payeft.dat")), card);
     return 0;
 }
 
@@ -51,6 +66,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const SplitInput input(fuzzing::bytesOf(data, size));
     const QStringList lines = codepage::fromWin1253(input.head).split(QStringLiteral("\r\n"));
+    // Each walk begins with no order store, as on a register's first day.
+    QDir store(fuzzing::scratchPath(QStringLiteral("program")));
+    store.removeRecursively();
+    store.mkpath(QStringLiteral("."));
 
     VirtualClock clock;
     ScriptedOperator person;
@@ -63,13 +82,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     ModuleVariables vars;
     CountedResults results;
     clsind progress{form};
-    UnavailableCardRoads cards{link};
+    EftCardRoads cards{link, vars, person, clock};
+    TableFlows tables{link, person, clock, receipt, vars, results, store.path()};
+    OrderStoreRoads tableRoads{tables};
     FPrinterOperations printer(link, receipt, vars, person, form, progress,
                                fuzzing::scratchPath(QStringLiteral("payeft.dat")));
     printer.setCardRoads(cards);
+    printer.setTableRoads(tableRoads);
 
     InterpreterContext context{receipt, vars, printer, link, person, clock, cards, results,
-                               fuzzing::scratchDir().path(), [] {}};
+                               fuzzing::scratchDir().path(), [] {}, &tables};
     PrintFileInterpreter(std::move(context), demoSettings()).run(lines);
     CardPaymentLines(link, receipt);
     ReadDocumentFigures(link, receipt);
