@@ -92,7 +92,12 @@ qint32 nextLineNumber(StoreConnection& store)
     const QVariant last = row.value(0);
     if (last.isNull())
         return store.exec(kFirstLine) ? 1 : kFailed;
-    const qint32 next = last.toInt() + 1;
+    // A counter that cannot go one further (a store written by someone else)
+    // fails the call rather than wrapping round.
+    const qint64 current = last.toLongLong();
+    if (current >= std::numeric_limits<qint32>::max())
+        return kFailed;
+    const qint32 next = static_cast<qint32>(current) + 1;
     return store.exec(kNextLine, {next, last}) ? next : kFailed;
 }
 
