@@ -45,13 +45,6 @@ void fill(QComboBox* list, const QList<ListRow>& rows)
         list->addItem(row.text, row.value);
 }
 
-// The engine's value where it changed what was handed out, else the control's own.
-template <typename T>
-T merged(const T& engine, const T& handed, const T& current)
-{
-    return engine != handed ? engine : current;
-}
-
 } // namespace
 
 frmEFT::frmEFT(QWidget* parent)
@@ -147,11 +140,13 @@ void frmEFT::showForm(const PaymentMapFormValues& values, const PaymentLists& li
     const PaymentMapFormValues current = this->values();
     const bool newLists = !sameRows(lists.terminals, lists_.terminals) || !sameRows(lists.payments, lists_.payments)
         || cmbECREFT_->count() != lists.terminals.size() || cmbECRPayment_->count() != lists.payments.size();
-    // Before any press, or after a new reading of the lists, the engine's values stand whole.
-    const PaymentMapFormValues handed = handed_ && !newLists ? *handed_ : PaymentMapFormValues{};
+    // Before any press, or after a new reading of the lists, the engine's
+    // values stand whole; else a control takes the engine's value where the
+    // engine changed what was handed out, and keeps what the operator did since.
     const bool whole = !handed_ || newLists;
-    auto pick = [&](const auto& engine, const auto& was, const auto& now) {
-        return whole ? engine : merged(engine, was, now);
+    const PaymentMapFormValues handed = whole ? PaymentMapFormValues{} : *handed_;
+    auto pick = [whole](const auto& engine, const auto& was, const auto& now) {
+        return whole || engine != was ? engine : now;
     };
     if (newLists)
         fillLists(lists);
