@@ -10,7 +10,7 @@
 
 namespace {
 
-const QString kTitle = QStringLiteral("Πληρωμές Καρτών");
+const QString& kTitle = kPaymentMapTitle;
 const QString kNoAlternative = QStringLiteral("--------------");
 constexpr qint16 kFlagOn = -1;
 
@@ -194,5 +194,33 @@ void PaymentMapDialog::run()
             cmddelete();
         else
             return;
+    }
+}
+
+void PaymentMapDialog::run(PaymentMapWindow& window)
+{
+    using Press = PaymentMapWindow::Press;
+    window.showReading();
+    refresh();
+    while (const auto pressed = window.waitForPress(values, lists)) {
+        values = pressed->values;
+        switch (pressed->press) {
+        case Press::cmdFind:
+            cmdFind();
+            break;
+        case Press::txtPayIDChanged:
+            txtPayIDChanged(values.txtPayID);
+            break;
+        case Press::save:
+            save();
+            break;
+        case Press::cmddelete:
+            cmddelete();
+            break;
+        case Press::cmdRef:
+            window.showReading();
+            refresh();
+            break;
+        }
     }
 }

@@ -3,6 +3,7 @@
 #include "payments/RegisterPaymentLists.h"
 
 #include <QString>
+#include <optional>
 
 class DeviceLink;
 class Operator;
@@ -20,6 +21,30 @@ struct PaymentMapFormValues {
     QString txtPAYEDDesc;
 };
 
+inline const QString kPaymentMapTitle = QStringLiteral("Πληρωμές Καρτών");
+inline const QString kPaymentMapReadingTitle = QStringLiteral("Ανάγνωση Ρυθμίσεων Ταμειακής...");
+
+// frmEFT as a window of its own. The window only shows and collects; each
+// press that needs the register or the map file comes back to the logic,
+// which does it and hands the window its values and lists again.
+class PaymentMapWindow {
+public:
+    enum class Press { cmdFind, txtPayIDChanged, save, cmddelete, cmdRef };
+    struct Pressed {
+        Press press;
+        PaymentMapFormValues values; // the controls as the press found them
+    };
+
+    virtual ~PaymentMapWindow() = default;
+    // The window stands titled "Ανάγνωση Ρυθμίσεων Ταμειακής...", cmdRef off,
+    // while the register's lists are read.
+    virtual void showReading() = 0;
+    // Shows the values and the lists, then waits for the next press; nothing
+    // once the operator has closed the window (cmdexit or its close box).
+    virtual std::optional<Pressed> waitForPress(const PaymentMapFormValues& shown,
+                                                const PaymentLists& lists) = 0;
+};
+
 // The logic of frmEFT, the payment map's window ("Πληρωμές Καρτών"): the
 // register's lists, finding a record, the alternative payment's name, saving
 // and blanking. The window shows it; run() asks through the Operator, which
@@ -31,6 +56,8 @@ public:
 
     // paramEFT: the lists read with the link open only for that, then the dialog.
     void run();
+    // The same with the window: it stays until the operator closes it.
+    void run(PaymentMapWindow& window);
 
     // cmdRef: the register's lists again.
     void refresh();

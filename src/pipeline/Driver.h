@@ -3,7 +3,9 @@
 #include "link/DevicePort.h"
 #include "link/DeviceSession.h"
 #include "operations/FPrinterOperations.h"
+#include "payments/EftBatch.h"
 #include "payments/EftCardRoads.h"
+#include "payments/PaymentMapDialog.h"
 #include "pipeline/ActionRegistry.h"
 #include "pipeline/Engine.h"
 #include "pipeline/EngineActivity.h"
@@ -50,6 +52,9 @@ public:
     // The window frmsvr of the GUI; without one the tax server setup asks
     // through the Operator. It is called on the engine's thread.
     void setTaxServerWindow(TaxServerWindow* window) { taxServerWindow_ = window; }
+    // frmEFT and frmEFTSelect of the GUI, the same way.
+    void setPaymentMapWindow(PaymentMapWindow* window) { paymentMapWindow_ = window; }
+    void setEftSelectWindow(EftTerminalChoice* window) { eftSelectWindow_ = window; }
     CommunicationLog& log() { return log_; }
     ActionRegistry& actions() { return actions_; }
     TableFlows& tables() { return tables_; }
@@ -89,5 +94,7 @@ private:
     ZFileRun zFile_;
     TaxServerSetup taxServer_;
     TaxServerWindow* taxServerWindow_ = nullptr;
+    PaymentMapWindow* paymentMapWindow_ = nullptr;
+    EftTerminalChoice* eftSelectWindow_ = nullptr;
     ActionRegistry actions_;
 };

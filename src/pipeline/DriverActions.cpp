@@ -40,10 +40,13 @@ void Driver::wireMenuActions()
     actions_.setHandler(QStringLiteral("fShow"), [this] { form_.setFormShown(true); });
     actions_.setHandler(QStringLiteral("fHide"), [this] { form_.setFormShown(false); });
     actions_.setHandler(QStringLiteral("paramEFT"), [this] {
-        PaymentMapDialog(link_, person_, engine_.moduleVariables(), workFile(QStringLiteral("payeft.dat")))
-            .run();
+        PaymentMapDialog dialog(link_, person_, engine_.moduleVariables(), workFile(QStringLiteral("payeft.dat")));
+        if (paymentMapWindow_)
+            dialog.run(*paymentMapWindow_);
+        else
+            dialog.run();
     });
     actions_.setHandler(QStringLiteral("s8"), [this] {
-        RunEftBatch(link_, person_, engine_.moduleVariables());
+        RunEftBatch(link_, person_, engine_.moduleVariables(), eftSelectWindow_);
     });
 }

@@ -7,11 +7,14 @@
 
 namespace {
 
+// The authority's host is the integrator's to fill in: it is whatever the
+// service is at the time, so the addresses open with it left out.
+const QString kAuthorityHost;
 // The settings the register is usually given, in the command's own form
 // ("/" written "~"). The key field only names what goes there.
 const QString kModelCommand = QStringLiteral(
-    "]/1/0//http:~~www1.aade.gr~eafdss~myweb~websend.php/80/ΚΛΕΙΔΑΡΙΘΜΟΣ/"
-    "https:~~www1.aade.gr~tameiakes~myweb~q1.php/");
+    "]/1/0//http:~~%1~eafdss~myweb~websend.php/80/ΚΛΕΙΔΑΡΙΘΜΟΣ/"
+    "https:~~%1~tameiakes~myweb~q1.php/").arg(kAuthorityHost);
 constexpr int kConnectField = 1;
 constexpr int kWebServerField = 4;
 constexpr int kQrField = 7;

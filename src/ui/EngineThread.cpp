@@ -83,6 +83,9 @@ void EngineThread::wireWindowActions(Driver& driver, FormModel& form)
 {
     Engine& engine = driver.engine();
     ActionRegistry& actions = driver.actions();
+    driver.setPaymentMapWindow(windows_.paymentMap);
+    driver.setEftSelectWindow(windows_.eftSelect);
+    driver.setTaxServerWindow(windows_.taxServer);
     actions.setHandler(QStringLiteral("param"), [this, &engine] {
         engine.stopDeviceSearch();
         const ModuleVariables& v = engine.moduleVariables();

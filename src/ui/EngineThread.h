@@ -7,9 +7,12 @@
 #include <atomic>
 #include <functional>
 
+class EftTerminalChoice;
 class LogLineQueue;
 class MainWindow;
 class Operator;
+class PaymentMapWindow;
+class TaxServerWindow;
 class TransportFactory;
 
 // The engine's own thread. The whole driver is built on it and lives there
@@ -28,6 +31,15 @@ public:
     EngineThread(Operator& person, Setup setup, MainWindow& window, LogLineQueue& log,
                  QObject* parent = nullptr);
     ~EngineThread() override;
+
+    // The windows of the menu entries that talk to the register while they
+    // stand (frmEFT, frmEFTSelect, frmsvr); set before start.
+    struct Windows {
+        PaymentMapWindow* paymentMap = nullptr;
+        EftTerminalChoice* eftSelect = nullptr;
+        TaxServerWindow* taxServer = nullptr;
+    };
+    void setWindows(Windows windows) { windows_ = windows; }
 
     // From the GUI thread: runs on the engine thread, in its event loop.
     void post(std::function<void(Driver&)> work);
@@ -57,6 +69,7 @@ private:
     Setup setup_;
     MainWindow& window_;
     LogLineQueue& log_;
+    Windows windows_;
     std::atomic<QObject*> context_{nullptr};
     Driver* driver_ = nullptr;
 };

@@ -172,4 +172,17 @@ void GuiOperator::release()
 {
     released_ = true;
     waitClosed_ = true;
+    emit releasing();
+}
+
+bool GuiOperator::ask(const std::function<void()>& f)
+{
+    bool ran = false;
+    onGuiThread([&] {
+        if (released_.load())
+            return;
+        f();
+        ran = true;
+    });
+    return ran;
 }

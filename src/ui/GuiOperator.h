@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 #include <atomic>
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -22,6 +23,7 @@ public:
 
     // Dialogs are placed over this window.
     void setWindow(QWidget* window) { window_ = window; }
+    QWidget* window() const { return window_; }
 
     Answer message(const QString& title, const QString& text, Icon icon, Buttons buttons) override;
     void openWaitWindow(const QString& caption, const QString& stateLine,
@@ -37,6 +39,12 @@ public:
     // The program is ending: questions still asked are answered at once, as
     // cancelled, and a waiting window counts as closed.
     void release();
+    bool released() const { return released_.load(); }
+
+    // A window of a menu entry, asked from the engine the way the questions
+    // are: f runs on the GUI thread and the engine waits for it. False, f not
+    // run, once the program is ending.
+    bool ask(const std::function<void()>& f);
 
     // frmErr, while the engine has it up; for the window's tests.
     WaitWindow* waitWindow() const { return wait_.get(); }
@@ -45,6 +53,8 @@ signals:
     // A wait window came up or went away (for screenshots and tests).
     void waitWindowShown();
     void waitWindowGone();
+    // The program is ending: a window waiting for the person gives up.
+    void releasing();
 
 private:
     template <typename F>

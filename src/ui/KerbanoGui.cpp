@@ -34,6 +34,7 @@ KerbanoGui::KerbanoGui(EngineThread::Setup setup, QObject* parent)
 {
     person_.setWindow(window_.get());
     engine_ = std::make_unique<EngineThread>(person_, setup_, *window_, log_);
+    engine_->setWindows({&paymentMap_, &eftSelect_, &taxServer_});
     connect(engine_.get(), &EngineThread::ended, this, &KerbanoGui::ended);
     connect(engine_.get(), &EngineThread::settingsRequested, this, &KerbanoGui::openSettings);
     connect(engine_.get(), &EngineThread::helpTextRequested, this, &KerbanoGui::openHelpText);

@@ -4,6 +4,9 @@
 #include "ui/EngineThread.h"
 #include "ui/GuiOperator.h"
 #include "ui/LogLineQueue.h"
+#include "ui/frmEFT.h"
+#include "ui/frmEFTSelect.h"
+#include "ui/frmsvr.h"
 
 #include <QObject>
 #include <QPointer>
@@ -33,6 +36,10 @@ public:
     DebugWindow* debugWindow() const { return debug_.get(); }
     ParamWindow* paramWindow() const { return param_.data(); }
     AboutBox* aboutBox() const { return about_.data(); }
+    // frmEFT, frmEFTSelect and frmsvr while they stand.
+    frmEFT* paymentMapWindow() const { return paymentMap_.form(); }
+    frmEFTSelect* eftSelectWindow() const { return eftSelect_.dialog(); }
+    frmsvr* taxServerWindow() const { return taxServer_.form(); }
 
 signals:
     // The program is to end with this code.
@@ -51,5 +58,8 @@ private:
     std::unique_ptr<DebugWindow> debug_;
     QPointer<ParamWindow> param_;
     QPointer<AboutBox> about_;
+    PaymentMapWindowOnGui paymentMap_{person_};
+    EftSelectWindowOnGui eftSelect_{person_};
+    TaxServerWindowOnGui taxServer_{person_};
     std::unique_ptr<EngineThread> engine_;
 };
