@@ -7,9 +7,10 @@
 
 namespace {
 
-// The authority's host is the integrator's to fill in: it is whatever the
-// service is at the time, so the addresses open with it left out.
-const QString kAuthorityHost;
+// The authority's service as it stands today; the integrator changes it in
+// the window when the authority moves it. An address left without a host would
+// pass the window's checks and be programmed into the register broken.
+const QString kAuthorityHost = QStringLiteral("www1.aade.gr");
 // The settings the register is usually given, in the command's own form
 // ("/" written "~"). The key field only names what goes there.
 const QString kModelCommand = QStringLiteral(
