@@ -105,6 +105,8 @@ TEST(WindowLifeEndToEnd, ADroppedFileIsPrintedItsResultWrittenAndTheLifeEndsAfte
     const std::string said = kerbano.said();
     EXPECT_TRUE(kerbano.endedNormally()) << said;
     EXPECT_EQ(kerbano.exitCode(), 0) << said;
+    // The status line went to the window, not to stdout as in the life without one.
+    EXPECT_EQ(said.find(QStringLiteral("Αναμονη Για Στοιχεια").toStdString()), std::string::npos) << said;
     EXPECT_FALSE(QFile::exists(printFile));
 
     const QStringList result = codepage::fromWin1253(readBytes(work.filePath(QStringLiteral("result.txt"))))
