@@ -7,7 +7,9 @@
 #include "pipeline/ActionRegistry.h"
 #include "pipeline/Engine.h"
 #include "pipeline/EngineActivity.h"
+#include "pipeline/JobJournal.h"
 #include "pipeline/JobParts.h"
+#include "pipeline/JobRecovery.h"
 #include "pipeline/StartParts.h"
 #include "reports/ReportRun.h"
 #include "reports/TaxServerSetup.h"
@@ -90,4 +92,6 @@ private:
     TaxServerSetup taxServer_;
     TaxServerWindow* taxServerWindow_ = nullptr;
     ActionRegistry actions_;
+    JobJournal journal_;
+    JobRecovery recovery_;
 };
