@@ -128,7 +128,7 @@ TEST_F(JobRecoveryTest, PaymentSentAndNoDocumentOpenIsAnIssuedReceiptClosedFromT
     EXPECT_EQ(link.commands(), (QStringList{QStringLiteral("9/"), QStringLiteral("i/")}));
     EXPECT_FALSE(QFile::exists(printPath())) << "printed once, deleted";
     const QStringList lines = resultLines();
-    ASSERT_EQ(lines.size(), 5) << lines.join(u'\n');
+    ASSERT_EQ(lines.size(), 5) << lines.join(u'\n').toStdString();
     EXPECT_EQ(lines[1], QStringLiteral("recStatus = 1;6.50"));
     // Progressive: 1207 - 7 at the last Z, plus the daily 42.
     EXPECT_EQ(lines[2], QStringLiteral("receipt = 1242, 42, -1"));
