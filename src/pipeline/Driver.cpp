@@ -48,6 +48,7 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     // reconciled with the register before the next.
     link_.setTrail(&journal_);
     engine_.printJob().attachJournal(journal_);
+    engine_.printJob().setEndCheck([this] { return recovery_.voidReceiptLeftOpen(); });
     engine_.attachRecovery(recovery_);
     printer_.setCardRoads(cards_);
     zMail_.setFailureLog([this](const QString& failure) { log_.PrintCombine(failure); });

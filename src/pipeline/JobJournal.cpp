@@ -38,6 +38,11 @@ bool changesRegister(const QString& command)
     return false;
 }
 
+bool isPayment(const QString& command)
+{
+    return command.startsWith(QLatin1String("5/"));
+}
+
 QString portFileName(const QString& port)
 {
     QString name;
@@ -176,6 +181,7 @@ void JobJournal::begin(const QString& printPath, const QString& resultPath, cons
     for (const QJsonObject& o : readRecords(path_))
         last = qMax(last, idOf(o));
     jobId_ = last + 1;
+    paymentsSent_ = paymentsConfirmed_ = 0;
     QJsonObject o{{QStringLiteral("job"), QStringLiteral("begin")},
                   {QStringLiteral("id"), jobId_},
                   {QStringLiteral("print"), QFileInfo(printPath).absoluteFilePath()},
@@ -194,6 +200,8 @@ void JobJournal::sending(const QString& command, bool cardCommand)
                   {QStringLiteral("command"), command}};
     if (cardCommand)
         o[QStringLiteral("card")] = true;
+    if (isPayment(command))
+        ++paymentsSent_;
     append(QJsonDocument(o).toJson(QJsonDocument::Compact));
 }
 
@@ -201,6 +209,8 @@ void JobJournal::confirmed(const QString& command)
 {
     if (!inJob() || !changesRegister(command))
         return;
+    if (isPayment(command))
+        paymentsConfirmed_ = paymentsSent_;
     // Not forced to disk on its own: the next record is, and a confirmation
     // lost with the machine only leaves the command in doubt, which the
     // register's figures settle.

@@ -51,6 +51,9 @@ public:
     // A job begins; nothing of it has gone to the register yet.
     void begin(const QString& printPath, const QString& resultPath, const RegisterCounters& before);
     bool inJob() const { return jobId_ != 0; }
+    // A payment of the job in hand went out and the register did not confirm
+    // the last one: the receipt may still be open.
+    bool paymentInDoubt() const { return inJob() && paymentsSent_ > paymentsConfirmed_; }
     void sending(const QString& command, bool cardCommand) override;
     void confirmed(const QString& command) override;
     // The result file has its exitcode line.
@@ -70,4 +73,6 @@ private:
     QString directory_;
     QString path_;
     qint64 jobId_ = 0;
+    int paymentsSent_ = 0;
+    int paymentsConfirmed_ = 0;
 };

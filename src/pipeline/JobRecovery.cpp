@@ -127,6 +127,18 @@ JobRecovery::Next JobRecovery::beforeJob(const QString& path)
     return Next::Run;
 }
 
+QString JobRecovery::voidReceiptLeftOpen()
+{
+    if (!journal_.paymentInDoubt())
+        return QString();
+    const std::optional<ReceiptFiguresQuery::Answer> figures = link_.ask(ReceiptFiguresQuery{}, kQuietQuestion);
+    if (!figures || !figures->open)
+        return QString();
+    const bool voided = link_.send(DeviceCommands::VoidDocument(), kQuietQuestion).ok();
+    return QStringLiteral("jobNote = %1;unpaid;%2")
+        .arg(voided ? QStringLiteral("voided") : QStringLiteral("open"), money(figures->totalCents));
+}
+
 // The result file was closed; only the deletion of the print file was cut
 // off. A file written again since then is a new job.
 JobRecovery::Next JobRecovery::settleClosed(const JournalJob& unfinished, const QString& path)

@@ -37,6 +37,11 @@ public:
     // about to run.
     Next beforeJob(const QString& path);
 
+    // Behind the last line of a job in hand: a receipt its refused payment
+    // left open would swallow the next customer's payment; it is voided.
+    // The line for the result file when it was, else nothing.
+    QString voidReceiptLeftOpen();
+
 private:
     Next settleClosed(const JournalJob& unfinished, const QString& path);
     bool cardChargeStands(const JournalJob& unfinished);

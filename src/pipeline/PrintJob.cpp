@@ -134,10 +134,15 @@ void PrintJob::close()
         appendResultLine(line);
     appendResultLine(QStringLiteral("DateTime end = ") + clock_.stamp());
 
+    const QString endNote = endCheck_ ? endCheck_() : QString();
     try {
         figures = parts_->documentFigures();
     } catch (...) {
         figures = DocumentFigures();
+    }
+    if (!endNote.isEmpty()) {
+        noteBeforeExit(endNote);
+        figures.amount = 0.0; // no receipt was issued
     }
     receipt_.TableMode = 0;
     receipt_.setCurrentTable(-1);

@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 class Clock;
 class FormModel;
@@ -42,6 +43,9 @@ public:
     // The next job runs a print file again after an earlier life left it
     // unfinished: this line goes before its "exitcode = 0", exit status 0.
     void carryNote(const QString& line) { carriedNote_ = line; }
+    // Asked behind the last line, before the closing reads: a note when the
+    // receipt in hand had to be voided (the job then reports no receipt).
+    void setEndCheck(std::function<QString()> check) { endCheck_ = std::move(check); }
     // The closing lines of a job an earlier life left unfinished, with the
     // register's figures and a line saying how it was recovered.
     void closeRecovered(const QString& resultPath, const DocumentFigures& figures, const QString& note);
@@ -74,6 +78,7 @@ private:
     JobParts* parts_ = nullptr;
     JobJournal* journal_ = nullptr;
     QString carriedNote_;
+    std::function<QString()> endCheck_;
     DocumentFigures lastFigures_;
     bool inHand_ = false;
     bool writeFailed_ = false;
