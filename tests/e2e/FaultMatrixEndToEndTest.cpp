@@ -88,7 +88,8 @@ TEST_P(FaultMatrix, TheReceiptEqualsThePrintFileOrTheResultSaysItDoesNot)
               << (asPrinted ? "" : (result.filter(QStringLiteral("jobNote = ")).value(0)
                                     + result.filter(QStringLiteral("Err = ")).value(0).section(u']', 0, 0))
                                        .toStdString())
-              << " exit " << run.exitCode << "\n";
+              << " issued " << tally.issued << " of " << issued.toStdString() << " exit " << run.exitCode
+              << "\n";
 }
 
 const FaultCase kFaults[] = {
