@@ -202,7 +202,11 @@ void JobJournal::sending(const QString& command, bool cardCommand)
         o[QStringLiteral("card")] = true;
     if (isPayment(command))
         ++paymentsSent_;
-    append(QJsonDocument(o).toJson(QJsonDocument::Compact));
+    // What recovery decides by must be on the disk before the register sees
+    // it: a payment (it may close the receipt), a card command, a void. A
+    // sale's record reaches the disk with the next of those.
+    const bool decisive = isPayment(command) || cardCommand || command == DeviceCommands::VoidDocument();
+    append(QJsonDocument(o).toJson(QJsonDocument::Compact), decisive);
 }
 
 void JobJournal::confirmed(const QString& command)

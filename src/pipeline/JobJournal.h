@@ -30,8 +30,9 @@ struct JournalJob {
 };
 
 // The job journal: an append-only file in the program's directory, one
-// record a line, each forced to disk before the command it announces goes
-// out. It tells the next life whether the last job ended, and if not, what it
+// record a line; the start of a job, its payments and voids, the closing of
+// its result file and its end are forced to disk before what they announce
+// happens. It tells the next life whether the last job ended, and if not, what it
 // had done, so that the job is reconciled with the register rather than
 // printed again blindly. A record cut short by a crash is ignored. One file a
 // port, as one kerbano holds a port.

@@ -14,6 +14,7 @@
 #include "shell/Operator.h"
 
 #include <QDir>
+#include <algorithm>
 #include <QFileInfo>
 
 namespace {
@@ -29,6 +30,17 @@ bool samePrintFile(const JournalJob& job, const QString& path)
 bool printFileUnchanged(const JournalJob& job)
 {
     return QFileInfo::exists(job.printPath) && JobJournal::hashOf(job.printPath) == job.printHash;
+}
+
+// A table's items stay on the table whatever becomes of the visit's
+// document: a table job is never run again from its start.
+bool touchedTable(const JournalJob& job)
+{
+    for (const QString& command : job.sent) {
+        if (command.startsWith(QLatin1String("&/")) || command.startsWith(u'"'))
+            return true;
+    }
+    return false;
 }
 
 bool paymentSent(const JournalJob& job)
@@ -79,6 +91,8 @@ JobRecovery::Next JobRecovery::beforeJob(const QString& path)
         now.progressive = *counters->receiptCounter - counters->lastZ + figures->dailyNumber;
 
     const bool chargeStands = j.cardSent && cardChargeStands(j);
+    if (touchedTable(j) && !chargeStands)
+        return settleTable(j, path, *figures, now);
     QString note;
     if (figures->open) {
         // An open document on the register is the unfinished job's own.
@@ -137,6 +151,38 @@ QString JobRecovery::voidReceiptLeftOpen()
     const bool voided = link_.send(DeviceCommands::VoidDocument(), kQuietQuestion).ok();
     return QStringLiteral("jobNote = %1;unpaid;%2")
         .arg(voided ? QStringLiteral("voided") : QStringLiteral("open"), money(figures->totalCents));
+}
+
+// What the earlier run put on the table stays there, as the order store
+// holds it; an open visit is ended as the table's own end does (a zero
+// payment), and the job is not printed again: its result says how far it got.
+JobRecovery::Next JobRecovery::settleTable(const JournalJob& unfinished, const QString& path,
+                                           const ReceiptFiguresQuery::Answer& figures,
+                                           const RegisterCounters& now)
+{
+    if (figures.open && !link_.send(DeviceCommands::ZeroPayment(), kQuietQuestion).ok()) {
+        tell(QStringLiteral("Η προηγούμενη εργασία τραπεζιού (%1) άφησε ανοιχτό παραστατικό που δεν "
+                            "έκλεισε: το αρχείο δεν εκτυπώνεται ακόμη.")
+                 .arg(QDir::toNativeSeparators(unfinished.printPath)));
+        return Next::Hold;
+    }
+    const bool soldOnTable = std::any_of(unfinished.sent.cbegin(), unfinished.sent.cend(),
+                                         [](const QString& c) { return c.startsWith(QLatin1String("3/")); });
+    if (!soldOnTable && samePrintFile(unfinished, path) && printFileUnchanged(unfinished)) {
+        // Nothing reached the table yet: the job may run from its start.
+        job_.carryNote(QStringLiteral("jobNote = recovered;rerun"));
+        journal_.settle(unfinished.id, QStringLiteral("rerun"), now);
+        return Next::Run;
+    }
+    job_.closeRecovered(unfinished.resultPath, DocumentFigures(),
+                        QStringLiteral("jobNote = recovered;table;%1;%2")
+                            .arg(unfinished.confirmed.size())
+                            .arg(unfinished.sent.size()));
+    const bool gone = printFileUnchanged(unfinished);
+    if (gone)
+        mFile::DeleteFile(unfinished.printPath);
+    journal_.settle(unfinished.id, QStringLiteral("table"), now);
+    return gone && samePrintFile(unfinished, path) ? Next::Skip : Next::Run;
 }
 
 // The result file was closed; only the deletion of the print file was cut

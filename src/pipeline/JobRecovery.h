@@ -1,5 +1,7 @@
 #pragma once
 
+#include "protocol/ReceiptFiguresQuery.h"
+
 #include <QString>
 
 class DeviceLink;
@@ -7,6 +9,7 @@ class JobJournal;
 class Operator;
 class PrintJob;
 struct JournalJob;
+struct RegisterCounters;
 struct ModuleVariables;
 
 // Before a job, in every life: a job an earlier life left unfinished is
@@ -20,7 +23,9 @@ struct ModuleVariables;
 //    figures with a line saying so, and its print file deleted;
 //  - nothing happened: it runs again.
 // A card payment whose outcome is unknown is asked with the outcome query
-// first: a charge that stands is never taken twice.
+// first: a charge that stands is never taken twice. A table job is never
+// run again: its items stay on the table, an open visit is ended with a zero
+// payment, and the result file says how far the job got.
 class JobRecovery {
 public:
     // What the job about to run on a print file is to do.
@@ -44,6 +49,8 @@ public:
 
 private:
     Next settleClosed(const JournalJob& unfinished, const QString& path);
+    Next settleTable(const JournalJob& unfinished, const QString& path,
+                     const ReceiptFiguresQuery::Answer& figures, const RegisterCounters& now);
     bool cardChargeStands(const JournalJob& unfinished);
     void tell(const QString& text);
 

@@ -183,3 +183,18 @@ TEST_F(JobRecoveryTest, AClosedResultLeavesOnlyTheStalePrintFileToDeleteAndAskNo
     EXPECT_FALSE(QFile::exists(printPath()));
 }
 } // namespace
+
+namespace {
+TEST_F(JobRecoveryTest, ATableJobIsNeverRunAgainItsOpenVisitEndedWithAZeroPayment)
+{
+    earlierLifeSent({{QStringLiteral("&/0/7//////////////"), true},
+                     {QStringLiteral("3/S/ΚΑΦΕΣ//2.000/3.50/1/24.00/"), false}});
+    registerAnswers(kOpenWithCoffee);
+
+    EXPECT_EQ(recovery.beforeJob(printPath()), JobRecovery::Next::Skip);
+    EXPECT_EQ(link.commands(),
+              (QStringList{QStringLiteral("9/"), QStringLiteral("i/"), QStringLiteral("5/1/0.00////")}));
+    EXPECT_FALSE(QFile::exists(printPath())) << "its items stay on the table: not sent twice";
+    EXPECT_TRUE(resultLines().contains(QStringLiteral("jobNote = recovered;table;1;2")));
+}
+} // namespace
