@@ -1,5 +1,7 @@
 #include "link/DeviceSession.h"
 
+#include "link/CommandTrail.h"
+
 #include "link/DevicePort.h"
 #include "link/LinkMessageTitle.h"
 #include "link/PortAddress.h"
@@ -83,6 +85,8 @@ DeviceReply DeviceSession::doSend(const QString& command, const SendOptions& opt
         if (const std::optional<DeviceReply> withheld = checkBeforePayment(effect))
             return *withheld;
     }
+    if (trail_)
+        trail_->sending(command, options.sendOnce || options.logMode == SendOptions::kLogModeCard);
     qint16 timeoutSeconds = options.timeoutSeconds;
     // The resends of one command share one wait limit.
     const qint64 waitSinceMs = clock_.monotonicMs();
@@ -101,6 +105,8 @@ DeviceReply DeviceSession::doSend(const QString& command, const SendOptions& opt
         if (!reply.ok() && options.logMode == SendOptions::kLogModeResultFile)
             appendErrLine(reply.status(), exchanged.sentForm);
         followDocument(command, effect, options, reply);
+        if (trail_ && reply.ok())
+            trail_->confirmed(command);
         return reply;
     }
 }

@@ -8,6 +8,7 @@
 #include <optional>
 
 class Clock;
+class CommandTrail;
 class CommunicationLog;
 class DevicePort;
 class FormModel;
@@ -115,6 +116,8 @@ public:
 
     // A print job begins: no receipt in hand, nothing in doubt.
     void beginReceiptWatch();
+    // Where the commands of a job leave their trace; nullptr for none.
+    void setTrail(CommandTrail* trail) { trail_ = trail; }
 
 private:
     DeviceReply doSend(const QString& command, const SendOptions& options) override;
@@ -152,4 +155,5 @@ private:
     bool receiptInDoubt_ = false; // a lost reply was judged by the figures
     bool receiptShort_ = false;   // a line may be missing or doubled without a word
     bool receiptStopped_ = false; // the payment was withheld
+    CommandTrail* trail_ = nullptr;
 };

@@ -3,6 +3,7 @@
 // Nothing here adds to the wire while replies come back: the figures are
 // asked only after a reply was lost.
 
+#include "link/CommandTrail.h"
 #include "link/DevicePort.h"
 #include "link/DeviceSession.h"
 #include "link/SerialExchange.h"
@@ -137,11 +138,16 @@ std::optional<DeviceReply> DeviceSession::checkBeforePayment(const DocumentEffec
     const QString registerTotal = figures ? money(figures->totalCents) : QString();
     const QString confirmed = ledger_.known() ? money(ledger_.totalCents()) : QString();
     qint16 timeoutSeconds = 0;
+    if (trail_)
+        trail_->sending(DeviceCommands::VoidDocument(), false);
     const bool voided = port_.ExchangeCommand(DeviceCommands::VoidDocument(), timeoutSeconds,
                                               vars_.IgnoreOperatorBusy, false, 1)
                             .reply.ok();
-    if (voided)
+    if (voided) {
         ledger_.reset();
+        if (trail_)
+            trail_->confirmed(DeviceCommands::VoidDocument());
+    }
     results_.noteBeforeExit(QStringLiteral("jobNote = %1;totals;%2;%3")
                                 .arg(voided ? QStringLiteral("voided") : QStringLiteral("stopped"),
                                      registerTotal, confirmed));

@@ -41,7 +41,15 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
              orCurrent(options_.programDirectory))
     , taxServer_(link_, person, engine_.moduleVariables())
     , actions_(form, person, engine_.moduleVariables(), *this)
+    , journal_(orCurrent(options_.programDirectory))
+    , recovery_(link_, journal_, engine_.printJob(), person, engine_.moduleVariables())
 {
+    // Every job leaves its trace in the journal, and an unfinished one is
+    // reconciled with the register before the next.
+    link_.setTrail(&journal_);
+    engine_.printJob().attachJournal(journal_);
+    engine_.printJob().setEndCheck([this] { return recovery_.voidReceiptLeftOpen(); });
+    engine_.attachRecovery(recovery_);
     printer_.setCardRoads(cards_);
     zMail_.setFailureLog([this](const QString& failure) { log_.PrintCombine(failure); });
     zFile_.setMail(&zMail_);

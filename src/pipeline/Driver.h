@@ -9,7 +9,9 @@
 #include "pipeline/ActionRegistry.h"
 #include "pipeline/Engine.h"
 #include "pipeline/EngineActivity.h"
+#include "pipeline/JobJournal.h"
 #include "pipeline/JobParts.h"
+#include "pipeline/JobRecovery.h"
 #include "pipeline/StartParts.h"
 #include "reports/ReportRun.h"
 #include "reports/TaxServerSetup.h"
@@ -97,4 +99,6 @@ private:
     PaymentMapWindow* paymentMapWindow_ = nullptr;
     EftTerminalChoice* eftSelectWindow_ = nullptr;
     ActionRegistry actions_;
+    JobJournal journal_;
+    JobRecovery recovery_;
 };

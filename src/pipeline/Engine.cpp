@@ -4,6 +4,7 @@
 #include "link/DeviceLink.h"
 #include "operations/FPrinter.h"
 #include "pipeline/CommandLine.h"
+#include "pipeline/JobRecovery.h"
 #include "pipeline/StartParts.h"
 #include "shell/Clock.h"
 #include "shell/FormModel.h"
@@ -232,8 +233,18 @@ void Engine::commandLineJob()
     enter(EngineState::Ready);
 
     inJob_ = true;
-    getdata(path, settings_);
+    const BeforeJob next = reconcile(path);
+    if (next == BeforeJob::Hold) {
+        // The register could not be reconciled: the file stays for the next run.
+        inJob_ = false;
+        closeLinkIfOpen();
+        end(kExitRegisterSilent);
+        return;
+    }
+    if (next == BeforeJob::Run)
+        getdata(path, settings_);
     mFile::DeleteFile(path);
+    job_.printFileSettled();
     inJob_ = false;
     command1();
     unload(job_.exitStatus());
@@ -283,6 +294,8 @@ void Engine::timer2Tick()
         enterOffLine();
         break;
     case DeviceSearch::Outcome::Answered:
+        // Before anything else reaches the register.
+        reconcile(QString());
         enterReady();
         if (autoStart_ && options_.honourAutoStart) {
             command1();
@@ -486,9 +499,14 @@ Engine::ArrivalLook Engine::singleFileTick()
     if (!path)
         return watch_.hasUnfinishedFile(settings_) ? ArrivalLook::Waiting : ArrivalLook::Nothing;
     openLinkIfClosed();
-    getdata(*path, settings_);
+    const BeforeJob next = reconcile(*path);
+    if (next == BeforeJob::Hold)
+        return ArrivalLook::Waiting;
+    if (next == BeforeJob::Run)
+        getdata(*path, settings_);
     if (!FileWatch::keptAfterJob(*path, FileWatch::Way::SingleFile))
         mFile::DeleteFile(*path);
+    job_.printFileSettled();
     unload();
     return ArrivalLook::Kept;
 }
@@ -503,9 +521,14 @@ Engine::ArrivalLook Engine::pollingTick(TickKind kind)
         return watch_.hasUnfinishedFile(settings_) ? ArrivalLook::Waiting : ArrivalLook::Nothing;
     }
     openLinkIfClosed();
-    getdata(*candidate, settings_);
+    const BeforeJob next = reconcile(*candidate);
+    if (next == BeforeJob::Hold)
+        return ArrivalLook::Waiting;
+    if (next == BeforeJob::Run)
+        getdata(*candidate, settings_);
     if (!FileWatch::keptAfterJob(*candidate, FileWatch::Way::Polling))
         mFile::DeleteFile(*candidate);
+    job_.printFileSettled();
     showWaiting();
     enter(EngineState::Polling);
     // The link stays open for the next tick.
@@ -528,6 +551,21 @@ void Engine::closeLinkIfOpen()
 }
 
 // ---- the job ---------------------------------------------------------------
+
+Engine::BeforeJob Engine::reconcile(const QString& path)
+{
+    if (!recovery_)
+        return BeforeJob::Run;
+    switch (recovery_->beforeJob(path)) {
+    case JobRecovery::Next::Skip:
+        return BeforeJob::Skip;
+    case JobRecovery::Next::Hold:
+        return BeforeJob::Hold;
+    case JobRecovery::Next::Run:
+        break;
+    }
+    return BeforeJob::Run;
+}
 
 void Engine::getdata(const QString& path, const JobSettings& settings)
 {

@@ -17,6 +17,7 @@ class DeviceLink;
 class FPrinter;
 class FormModel;
 class JobParts;
+class JobRecovery;
 class Operator;
 class ResultSink;
 class StartParts;
@@ -65,6 +66,10 @@ public:
     // The link, FPrinterWrite and the job's parts are built from this
     // engine's variables, so they come in after construction.
     void attach(DeviceLink& link, FPrinter& printer, JobParts& jobParts, StartParts& startParts);
+    // An unfinished job of an earlier life is reconciled through this before
+    // the next job and once the register answers; none by default.
+    void attachRecovery(JobRecovery& recovery) { recovery_ = &recovery; }
+    PrintJob& printJob() { return job_; }
 
     ModuleVariables& moduleVariables() { return vars_; }
     ReceiptState& receiptState() { return state_; }
@@ -162,6 +167,10 @@ private:
     ArrivalLook pollingTick(TickKind kind);
     void openLinkIfClosed();
     void closeLinkIfOpen();
+    // What the job on path is to do after the journal's unfinished job, if
+    // any, was reconciled: true to run it.
+    enum class BeforeJob { Run, Skip, Hold };
+    BeforeJob reconcile(const QString& path);
     QString messageTitle() const;
 
     Clock& clock_;
@@ -171,6 +180,7 @@ private:
     DeviceLink* link_ = nullptr;
     FPrinter* printer_ = nullptr;
     StartParts* startParts_ = nullptr;
+    JobRecovery* recovery_ = nullptr;
 
     ModuleVariables vars_;
     ReceiptState state_;

@@ -2,6 +2,7 @@
 
 #include "config/RegionalNumber.h"
 #include "records/ReceiptState.h"
+#include "pipeline/JobJournal.h"
 #include "pipeline/JobParts.h"
 #include "shell/Clock.h"
 #include "shell/FileProcedures.h"
@@ -54,6 +55,7 @@ void PrintJob::run(const QString& path, const JobSettings& settings)
 {
     Q_ASSERT(parts_);
     exitStatus_ = 0;
+    lastFigures_ = DocumentFigures();
     // A directory, a symlink that leads nowhere or a file that cannot be
     // read is no print file: it gets a message and no result that reads
     // like a printed receipt.
@@ -76,6 +78,14 @@ void PrintJob::run(const QString& path, const JobSettings& settings)
     appendResultLine(QStringLiteral("tag = ") + vars_.JobTag);
     appendResultLine(QStringLiteral("DateTime start = ") + clock_.stamp());
     vars_.IgnoreOperatorBusy = true;
+    if (journal_) {
+        // The counters the journal last saw on this register stand for the
+        // register before the job: reading them now would add to every job.
+        RegisterCounters before = journal_->lastSeen();
+        if (before.registerName != vars_.DeviceLabel)
+            before = RegisterCounters{vars_.DeviceLabel, {}, {}};
+        journal_->begin(path, vars_.ResultPath, before);
+    }
 
     walkLines(lines, settings);
     close();
@@ -124,27 +134,23 @@ void PrintJob::close()
         appendResultLine(line);
     appendResultLine(QStringLiteral("DateTime end = ") + clock_.stamp());
 
+    const QString endNote = endCheck_ ? endCheck_() : QString();
     try {
         figures = parts_->documentFigures();
     } catch (...) {
         figures = DocumentFigures();
     }
-    const int recStatus = figures.amount != 0.0 ? 1 : 0;
+    if (!endNote.isEmpty()) {
+        noteBeforeExit(endNote);
+        figures.amount = 0.0; // no receipt was issued
+    }
     receipt_.TableMode = 0;
     receipt_.setCurrentTable(-1);
-    appendResultLine(QStringLiteral("recStatus = %1;%2")
-                         .arg(recStatus)
-                         .arg(FormatDeviceNumber(figures.amount, kAmountDecimals)));
-    appendResultLine(QStringLiteral("receipt = %1, %2, %3")
-                         .arg(figures.recNumberProgr)
-                         .arg(figures.recNumberDaily)
-                         .arg(figures.ordNumber));
-    for (const QString& note : std::as_const(notes_))
-        appendResultLine(note);
-    if (vars_.Stop != StopCause::None)
-        appendResultLine(stoppedLine(vars_.Stop));
-    appendResultLine(QStringLiteral("exitcode = 0"));
-    form_.setLblreceipt(QString::number(figures.recNumberDaily));
+    if (!carriedNote_.isEmpty())
+        notes_.prepend(carriedNote_);
+    carriedNote_.clear();
+    writeClosingLines(figures);
+    lastFigures_ = figures;
 
     try {
         vars_.IgnoreOperatorBusy = parts_->isOperatorBusy();
@@ -160,6 +166,62 @@ void PrintJob::close()
                         QStringLiteral("Δεν ήταν δυνατή η εγγραφή στο αρχείο αποτελεσμάτων : ") + vars_.ResultPath,
                         Operator::Icon::Warning);
     }
+}
+
+void PrintJob::writeClosingLines(const DocumentFigures& figures)
+{
+    const int recStatus = figures.amount != 0.0 ? 1 : 0;
+    appendResultLine(QStringLiteral("recStatus = %1;%2")
+                         .arg(recStatus)
+                         .arg(FormatDeviceNumber(figures.amount, kAmountDecimals)));
+    appendResultLine(QStringLiteral("receipt = %1, %2, %3")
+                         .arg(figures.recNumberProgr)
+                         .arg(figures.recNumberDaily)
+                         .arg(figures.ordNumber));
+    for (const QString& note : std::as_const(notes_))
+        appendResultLine(note);
+    if (vars_.Stop != StopCause::None)
+        appendResultLine(stoppedLine(vars_.Stop));
+    appendResultLine(QStringLiteral("exitcode = 0"));
+    if (journal_)
+        journal_->resultClosed();
+    form_.setLblreceipt(QString::number(figures.recNumberDaily));
+}
+
+void PrintJob::closeRecovered(const QString& resultPath, const DocumentFigures& figures,
+                              const QString& note)
+{
+    exitStatus_ = 0;
+    vars_.ResultPath = resultPath;
+    inHand_ = true;
+    writeFailed_ = false;
+    notes_ = QStringList{note};
+    const auto done = qScopeGuard([this] {
+        inHand_ = false;
+        notes_.clear();
+    });
+    appendResultLine(QStringLiteral("DateTime end = ") + clock_.stamp());
+    writeClosingLines(figures);
+    if (writeFailed_)
+        exitStatus_ = kExitResultUnwritten;
+}
+
+namespace {
+RegisterCounters countersOf(const QString& registerName, const DocumentFigures& figures)
+{
+    RegisterCounters counters{registerName, {}, {}};
+    if (figures.recNumberDaily >= 0)
+        counters.daily = figures.recNumberDaily;
+    if (figures.recNumberProgr >= 0)
+        counters.progressive = figures.recNumberProgr;
+    return counters;
+}
+} // namespace
+
+void PrintJob::printFileSettled()
+{
+    if (journal_ && journal_->inJob())
+        journal_->end(QStringLiteral("printed"), countersOf(vars_.DeviceLabel, lastFigures_));
 }
 
 void PrintJob::noteBeforeExit(const QString& line)

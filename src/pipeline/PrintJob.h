@@ -1,13 +1,16 @@
 #pragma once
 
 #include "config/JobSettings.h"
+#include "pipeline/DocumentFigures.h"
 #include "shell/ResultSink.h"
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 class Clock;
 class FormModel;
+class JobJournal;
 class JobParts;
 class Operator;
 class clsind;
@@ -28,10 +31,24 @@ public:
              ReceiptState& receipt, clsind& progress, QString workingDirectory);
 
     void attach(JobParts& parts) { parts_ = &parts; }
+    // Where each job leaves its trace for the next life; none by default.
+    void attachJournal(JobJournal& journal) { journal_ = &journal; }
 
     // One job from the print file at path.
     void run(const QString& path, const JobSettings& settings);
     bool inHand() const { return inHand_; }
+    // The print file of the last job is gone (or kept, as a program file is):
+    // the journal marks the job ended.
+    void printFileSettled();
+    // The next job runs a print file again after an earlier life left it
+    // unfinished: this line goes before its "exitcode = 0", exit status 0.
+    void carryNote(const QString& line) { carriedNote_ = line; }
+    // Asked behind the last line, before the closing reads: a note when the
+    // receipt in hand had to be voided (the job then reports no receipt).
+    void setEndCheck(std::function<QString()> check) { endCheck_ = std::move(check); }
+    // The closing lines of a job an earlier life left unfinished, with the
+    // register's figures and a line saying how it was recovered.
+    void closeRecovered(const QString& resultPath, const DocumentFigures& figures, const QString& note);
 
     void appendResultLine(const QString& line) override;
     void noteBeforeExit(const QString& line) override;
@@ -48,6 +65,7 @@ private:
     void open(const QString& text);
     void walkLines(const QStringList& lines, const JobSettings& settings);
     void close();
+    void writeClosingLines(const DocumentFigures& figures);
     QString messageTitle() const;
 
     Clock& clock_;
@@ -58,6 +76,10 @@ private:
     clsind& progress_;
     QString workingDirectory_;
     JobParts* parts_ = nullptr;
+    JobJournal* journal_ = nullptr;
+    QString carriedNote_;
+    std::function<QString()> endCheck_;
+    DocumentFigures lastFigures_;
     bool inHand_ = false;
     bool writeFailed_ = false;
     QStringList notes_;

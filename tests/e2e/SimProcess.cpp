@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTcpSocket>
+#include <QThread>
 
 namespace {
 const QString kSimProgram = QStringLiteral(KERBANO_BIN_DIR "/kerbano-ecr-sim");
@@ -82,7 +83,7 @@ bool SimProcess::start(const QStringList& wireArgs)
     m_process->setReadChannel(QProcess::StandardError);
     m_process->start(kSimProgram, wireArgs + QStringList{QStringLiteral("--journal"), journalPath(),
                                                          QStringLiteral("--tape"), tapePath()}
-                                        + m_extraArguments);
+                                        + m_memoryArguments + m_extraArguments);
     if (!m_process->waitForStarted(kStartMs)) {
         m_error = m_process->errorString();
         return false;
@@ -117,6 +118,25 @@ void SimProcess::stop()
         m_process->waitForFinished(kStartMs);
     }
     m_process.reset();
+}
+
+void SimProcess::keepMemory()
+{
+    const QString memory = QDir(m_workDir).filePath(QStringLiteral("register"));
+    QDir().mkpath(memory);
+    m_memoryArguments = {QStringLiteral("--state"), memory};
+}
+
+bool SimProcess::waitForCommands(int count, int timeoutMs) const
+{
+    constexpr int kLookEveryMs = 5;
+    const QDeadlineTimer deadline(timeoutMs);
+    while (journalLines().size() < count) {
+        if (deadline.hasExpired())
+            return false;
+        QThread::msleep(kLookEveryMs);
+    }
+    return true;
 }
 
 QStringList SimProcess::journalLines() const

@@ -26,6 +26,12 @@ public:
 
     // Arguments for the next start, behind the wire's (a --faults script, for one).
     void setExtraArguments(const QStringList& arguments) { m_extraArguments = arguments; }
+    // The register keeps its memory in <workDir>/register from the next start
+    // on, so that it outlives a driver killed halfway.
+    void keepMemory();
+    // True once the register has received count commands (its journal says
+    // so), false when timeoutMs passed first.
+    bool waitForCommands(int count, int timeoutMs) const;
 
     // The port field of kerbano's command line for this register.
     QString portField() const { return m_portField; }
@@ -45,5 +51,6 @@ private:
     QString m_portField;
     QString m_error;
     QStringList m_extraArguments;
+    QStringList m_memoryArguments;
     std::unique_ptr<QProcess> m_process;
 };
