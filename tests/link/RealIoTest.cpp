@@ -1,6 +1,9 @@
 #include "link/DevicePort.h"
 #include "link/DeviceSession.h"
 #include "link/QtTransportFactory.h"
+#include "link/SerialExchange.h"
+#include "link/SerialFrame.h"
+#include "link/SerialTransport.h"
 #include "shell/Clock.h"
 #include "shell/CommunicationLog.h"
 #include "shell/FormModel.h"
@@ -11,16 +14,69 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-// A register on raw sockets: POSIX only. The serial line over a pseudo-terminal
-// is driven end to end against the virtual register.
+// Pseudo-terminals and a register on raw sockets: POSIX only.
 #ifdef Q_OS_UNIX
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <pty.h>
 #include <sys/socket.h>
+#include <termios.h>
 #include <thread>
 #include <unistd.h>
 
 namespace {
+
+// Reads from fd until the collected bytes end with `last`.
+QByteArray readUntil(int fd, char last)
+{
+    QByteArray got;
+    char c;
+    while (::read(fd, &c, 1) == 1) {
+        got += c;
+        if (c == last)
+            break;
+    }
+    return got;
+}
+
+TEST(RealSerialLine, ExchangeOverAPseudoTerminal)
+{
+    int master = -1, slave = -1;
+    char name[128] = {};
+    ASSERT_EQ(openpty(&master, &slave, name, nullptr, nullptr), 0);
+    termios raw{};
+    tcgetattr(slave, &raw);
+    cfmakeraw(&raw);
+    tcsetattr(slave, TCSANOW, &raw);
+
+    SerialTransport port;
+    ASSERT_EQ(port.open(QString::fromLatin1(name), "9600"), 0);
+    std::thread device([master] {
+        const QByteArray enq = readUntil(master, 0x05);
+        ::write(master, "\x06", 1);
+        const QByteArray frame = readUntil(master, 0x03);
+        if (frame.endsWith("\x02?/10\x03"))
+            ::write(master, "\x02" "00/", 4), ::usleep(5000), ::write(master, "00/00/\x03", 7);
+        readUntil(master, 0x06);
+    });
+    RealClock clock;
+    ModuleVariables vars;
+    QTemporaryDir dir;
+    CommunicationLog log(dir.path(), vars);
+    qint16 status = 99, timeout = 0;
+    QString reply;
+    const DeviceReply answer = SerialExchange(port, clock, log).run(FrameCommand("?/"), timeout, false);
+    status = answer.status();
+    reply = answer.text();
+    device.join();
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(reply, "00/00/00/");
+    // A quiet line: the read gives up empty.
+    EXPECT_TRUE(port.read(255).isEmpty());
+    port.close();
+    ::close(slave);
+    ::close(master);
+}
 
 // Binds fd to a free loopback port below 32768, the highest the link opens.
 quint16 bindLoopback(int fd)
