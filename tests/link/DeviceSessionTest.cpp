@@ -1,78 +1,52 @@
+// The device session: retries, the wait window's polling and its end, the
+// operator's messages, identification, one conversation at a time, and a card
+// command that must never reach the register twice while its terminal may
+// still be working.
 #include "SessionWorld.h"
-#include "ScriptedOperator.h"
 
-#include "link/DevicePort.h"
-#include "link/DeviceSession.h"
+#include "PrintQString.h"
 #include "link/WaitForRegister.h"
-#include "shell/CommunicationLog.h"
-#include "shell/FormModel.h"
-#include "shell/ModuleVariables.h"
-#include "shell/ResultSink.h"
 
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTimer>
-#include <deque>
-#include <gtest/gtest.h>
 #include <optional>
 
 namespace {
 
-// A register behind the link: each command is answered from its own queue of
-// replies (the last one repeats); commands without a queue get "00/00/00/".
-class DeviceSessionTest : public ::testing::Test, protected SessionWorld {
+const QString kPlu = QStringLiteral("3/S/A//1.000/1.00/1/24.00/");
+const QString kCard = QStringLiteral("5/3/9.00////2/1/");
+const SendOptions kCardOptions{.timeoutSeconds = 301, .logMode = SendOptions::kLogModeCard,
+                               .sendOnce = true};
+
+class DeviceSessionTest : public QueuedRegisterTest {
 protected:
     DeviceSessionTest()
     {
         vars.DebugEnabled = true;
         vars.baud = "9600";
-        factory.script = [this](FakeTransport& t) {
-            t.onWrite = [this, &t](const QByteArray& w) {
-                if (w == "\x05") { // serial ENQ
-                    t.deliver("\x06", 5);
-                    return;
-                }
-                const QString command = QString::fromLatin1(w.startsWith('\x02') ? w.mid(1, w.size() - 4) : w);
-                sent << command;
-                auto& q = replies[command];
-                const QString answer = q.empty() ? "00/00/00/" : q.front();
-                if (q.size() > 1)
-                    q.pop_front();
-                t.deliver(answer.toLatin1() + "\x03", 5);
-            };
-        };
     }
-    void open(const QString& port = "127.0.0.1:9101")
+    QByteArray logBytes() const
     {
-        link.OpenDeviceLink(port, status, reply, false);
-        ASSERT_EQ(status, 0);
-        sent.clear();
-    }
-    void send(const QString& command, bool quiet = false, int logMode = 0)
-    {
-        link.SendCommand(command, status, reply, quiet, timeout, logMode);
-    }
-    QByteArray fileBytes(const QString& path) const
-    {
-        QFile f(path);
+        QFile f(log.filePath());
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
-
-    std::map<QString, std::deque<QString>> replies;
-    QStringList sent;
-    qint16 status = 99;
-    qint16 timeout = 0;
-    QString reply;
+    int countOf(ScriptedOperator::WaitEvent::Kind kind) const
+    {
+        int n = 0;
+        for (const auto& e : op.waitEvents)
+            n += e.kind == kind;
+        return n;
+    }
 };
 
 TEST_F(DeviceSessionTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
 {
     open();
-    replies["3/S/A//1.000/1.00/1/24.00/"] = {"2C/00/00/", "00/00/00/"};
+    replies[kPlu] = {"2C/00/00/", "00/00/00/"};
     replies["?/"] = {"2C/00/00/", "00/00/00/"};
-    send("3/S/A//1.000/1.00/1/24.00/");
+    send(kPlu);
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(sent, QStringList({"3/S/A//1.000/1.00/1/24.00/", "?/", "?/", "3/S/A//1.000/1.00/1/24.00/"}));
+    EXPECT_EQ(sent, QStringList({kPlu, "?/", "?/", kPlu}));
     ASSERT_GE(op.waitEvents.size(), 3);
     EXPECT_EQ(op.waitEvents[0].caption, "Μήνυμα Ταμειακής (" + vars.DeviceLabel + ")");
     EXPECT_EQ(op.waitEvents[0].stateLine, "Status [44]");
@@ -172,7 +146,7 @@ TEST_F(DeviceSessionTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds
     EXPECT_EQ(op.waitEvents[1].stateLine, "Αναμονή EFTPOS[207]");
     EXPECT_EQ(op.waitEvents.size(), 3); // open, one update, close: 251 touched nothing
     EXPECT_GE(clock.monotonicMs(), 3 * 2000 + 10000);
-    EXPECT_TRUE(fileBytes(log.filePath()).contains(" open Receipt, wait 10s\r\n"));
+    EXPECT_TRUE(logBytes().contains(" open Receipt, wait 10s\r\n"));
 }
 
 TEST_F(DeviceSessionTest, SerialErrLineCarriesTheFrameAndTimeoutZeroBecomesThree)
@@ -324,6 +298,130 @@ TEST_F(DeviceSessionTest, ALinkNeverOpenedIsLostAndASilentRegisterGivesNoReply)
     const DeviceReply silent = link.send("?/", {.quiet = true});
     EXPECT_EQ(silent.status(), -4);
     EXPECT_EQ(silent.outcome(), ReplyOutcome::NoReply);
+}
+
+TEST_F(DeviceSessionTest, AStopDuringTheWaitEndsItWithoutSendingTheCommandAgain)
+{
+    open();
+    replies[kPlu] = {"2C/00/00/", "00/00/00/"};
+    replies["?/"] = {"2C/00/00/"};
+    onCommand = [this](const QString& command, qsizetype n) {
+        if (command == "?/" && n == 3)
+            vars.Stop = StopCause::Signal;
+    };
+    send(kPlu);
+
+    EXPECT_EQ(status, 44);
+    EXPECT_EQ(sent, QStringList({kPlu, "?/", "?/", "?/"})) << "no poll after the stop, and no resend";
+    EXPECT_EQ(countOf(ScriptedOperator::WaitEvent::Open), 1);
+    EXPECT_EQ(op.waitEvents.back().kind, ScriptedOperator::WaitEvent::Close);
+    EXPECT_FALSE(link.WaitFormOpen());
+    ASSERT_EQ(results.lines.size(), 1);
+    EXPECT_TRUE(results.lines[0].startsWith("Err = 44, [" + kPlu + "]"));
+    EXPECT_EQ(vars.Stop, StopCause::Signal);
+
+    // Once the process is ending, a wait status ends its window at once.
+    sent.clear();
+    replies[kPlu] = {"1A/00/00/"};
+    send(kPlu);
+    EXPECT_EQ(status, 26);
+    EXPECT_EQ(sent, QStringList({kPlu}));
+    EXPECT_EQ(countOf(ScriptedOperator::WaitEvent::Open), 2);
+    EXPECT_EQ(countOf(ScriptedOperator::WaitEvent::Close), 2);
+}
+
+TEST_F(DeviceSessionTest, TheWaitLimitCountsOverTheResendsOfOneCommandOnTheClock)
+{
+    open();
+    vars.WaitLimitMs = 300000;
+    // Paper end on the command, a clear poll, paper end again: each window
+    // alone is short, the command as a whole waits for ever.
+    replies[kPlu] = {"2C/00/00/"};
+    replies["?/"] = {"00/00/00/"};
+    send(kPlu);
+
+    EXPECT_EQ(status, 44);
+    EXPECT_EQ(vars.Stop, StopCause::WaitLimit);
+    EXPECT_GE(clock.monotonicMs(), vars.WaitLimitMs);
+    EXPECT_LT(clock.monotonicMs(), vars.WaitLimitMs + 2 * DeviceSession::kPollIntervalMs + 1000);
+    EXPECT_EQ(sent.count(kPlu), sent.count("?/") + 1) << "the last window sends nothing again";
+    EXPECT_EQ(countOf(ScriptedOperator::WaitEvent::Open), countOf(ScriptedOperator::WaitEvent::Close));
+    ASSERT_EQ(results.lines.size(), 1);
+    EXPECT_TRUE(results.lines[0].startsWith("Err = 44, "));
+}
+
+TEST_F(DeviceSessionTest, WithoutALimitTheWindowWaitsUntilTheRegisterClears)
+{
+    open();
+    replies[kPlu] = {"2C/00/00/", "00/00/00/"};
+    std::deque<QString> polls(400, "2C/00/00/"); // 800 s of paper end
+    polls.push_back("00/00/00/");
+    replies["?/"] = polls;
+    send(kPlu);
+
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(vars.Stop, StopCause::None);
+    EXPECT_EQ(sent.count("?/"), 401);
+    EXPECT_EQ(sent.back(), kPlu);
+}
+
+TEST_F(DeviceSessionTest, ACardPaymentIsWaitedOutWhateverTheStop)
+{
+    open();
+    vars.EftBusy = true;
+    vars.WaitLimitMs = 10000;
+    const QString card = QStringLiteral("5/3/9.00///1/1/");
+    replies[card] = {"C1/00/00/"};
+    replies["?/"] = {"C1/00/00/", "C1/00/00/", "C1/00/00/", "C1/00/00/", "C1/00/00/", "C1/00/00/",
+                     "C1/00/00/", "00/00/00/"};
+    onCommand = [this](const QString& command, qsizetype n) {
+        if (command == "?/" && n == 1)
+            vars.Stop = StopCause::Signal;
+        if (command == "?/" && n == 8)
+            vars.EftBusy = false; // the payment's outcome is in
+    };
+    send(card);
+
+    EXPECT_EQ(sent.count("?/"), 8) << "polled until the terminal answered";
+    EXPECT_EQ(sent.count(card), 1);
+    EXPECT_EQ(vars.Stop, StopCause::Signal);
+}
+
+TEST_F(DeviceSessionTest, ASlowTerminalIsAwaitedOnceAndASilentOneIsNeverAskedTwiceOnEitherLine)
+{
+    for (const QString portName : {"127.0.0.1:9101", "com1"}) {
+        open(portName);
+        answerAfterMs[kCard] = 40000;
+        EXPECT_TRUE(link.send(kCard, kCardOptions).ok()) << portName.toStdString();
+        EXPECT_EQ(sent.count(kCard), 1);
+
+        sent.clear();
+        answerAfterMs[kCard] = -1;
+        const qint64 start = clock.monotonicMs();
+        const DeviceReply lost = link.send(kCard, kCardOptions);
+        EXPECT_EQ(lost.status(), -4);
+        EXPECT_EQ(lost.outcome(), ReplyOutcome::NoReply);
+        EXPECT_EQ(sent.count(kCard), 1);
+        if (link.tcpPort()) {
+            EXPECT_NEAR(double(clock.monotonicMs() - start), 301000.0, 1500.0);
+        }
+        link.CloseDeviceLink();
+    }
+}
+
+TEST_F(DeviceSessionTest, WhileACardPaymentRunsTheWaitWindowPollsWithTheLongWait)
+{
+    open("com1");
+    replies[kCard] = {"C1/00/00/"}; // 193: the terminal is still at work
+    enqAnswerMs = 100000;     // the register answers nothing else meanwhile
+    vars.EftBusy = true;
+    const DeviceReply reply = link.send(kCard, kCardOptions);
+    EXPECT_EQ(reply.status(), 193);
+    EXPECT_EQ(sent, (QStringList{kCard, "?/"}));
+    ASSERT_FALSE(op.waitEvents.isEmpty());
+    EXPECT_EQ(op.waitEvents.first().stateLine, "Αναμονή EFTPOS[193]");
+    EXPECT_EQ(op.waitEvents.last().kind, ScriptedOperator::WaitEvent::Close);
+    EXPECT_EQ(op.waitEvents.size(), 2); // no unanswered poll in between
 }
 
 } // namespace

@@ -3,19 +3,9 @@
 // behind a fake line that keeps its receipt and can lose a reply.
 
 #include "SessionWorld.h"
-#include "ScriptedOperator.h"
 
-#include "link/DevicePort.h"
-#include "link/DeviceSession.h"
 #include "shell/CodePage.h"
-#include "shell/CommunicationLog.h"
-#include "shell/FormModel.h"
-#include "shell/ModuleVariables.h"
-#include "shell/ResultSink.h"
 
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
-#include <map>
 #include <set>
 
 namespace {
@@ -112,7 +102,6 @@ protected:
     }
     static QString money(qint64 cents) { return QString::number(cents / 100.0, 'f', 2); }
     int timesHeard(const QString& command) const { return int(heard.count(command)); }
-
 
     std::map<QString, Fault> faults;
     bool holdEnq = false;

@@ -13,6 +13,10 @@
 
 #include <QStringList>
 #include <QTemporaryDir>
+#include <deque>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
 
 // The result file's writer as the session sees it: the lines handed over and
 // the notes kept for the end of the job.
@@ -36,4 +40,61 @@ struct SessionWorld {
     RecordingSink results;
     DevicePort port{vars, clock, op, factory, log};
     DeviceSession link{port, vars, clock, op, form, results, log};
+};
+
+// A register behind every pipe the session opens: each command is answered
+// from its own queue of replies (the last one repeats), "00/00/00/" without
+// one, framed on a serial line and plain on TCP. A command in answerAfterMs
+// is answered that much later (never when negative); ENQ gets its ACK after
+// enqAnswerMs.
+class QueuedRegisterTest : public ::testing::Test, protected SessionWorld {
+protected:
+    QueuedRegisterTest()
+    {
+        factory.script = [this](FakeTransport& t) {
+            t.onWrite = [this, &t](const QByteArray& w) { answer(t, w); };
+        };
+    }
+    void open(const QString& portName = "127.0.0.1:9101")
+    {
+        link.OpenDeviceLink(portName, status, reply, false);
+        ASSERT_EQ(status, 0);
+        sent.clear();
+    }
+    void send(const QString& command, bool quiet = false, int logMode = 0)
+    {
+        link.SendCommand(command, status, reply, quiet, timeout, logMode);
+    }
+
+    std::map<QString, std::deque<QString>> replies;
+    std::map<QString, qint64> answerAfterMs;
+    std::function<void(const QString& command, qsizetype timesSent)> onCommand;
+    qint64 enqAnswerMs = 5;
+    QStringList sent;
+    qint16 status = 99;
+    qint16 timeout = 0;
+    QString reply;
+
+private:
+    void answer(FakeTransport& t, const QByteArray& w)
+    {
+        if (w == "\x05") {
+            t.deliver("\x06", enqAnswerMs);
+            return;
+        }
+        if (w == "\x06") // the driver's ACK of a reply
+            return;
+        const bool framed = w.startsWith('\x02');
+        const QString command = QString::fromLatin1(framed ? w.mid(1, w.size() - 4) : w);
+        sent << command;
+        if (onCommand)
+            onCommand(command, sent.count(command));
+        auto& queue = replies[command];
+        const QString text = queue.empty() ? "00/00/00/" : queue.front();
+        if (queue.size() > 1)
+            queue.pop_front();
+        const qint64 after = answerAfterMs.count(command) ? answerAfterMs[command] : 5;
+        if (after >= 0)
+            t.deliver(text.toLatin1() + (framed ? "\x03" : ""), after);
+    }
 };

@@ -27,18 +27,6 @@ protected:
 
 } // namespace
 
-TEST(TaxServerEntries, TheWindowOpensWithSendingOnTheAuthoritysAddressesAndNoKey)
-{
-    const TaxServerEntries d = TaxServerDefaults();
-    EXPECT_TRUE(d.taxConnect);
-    EXPECT_TRUE(d.txtAES.isEmpty());
-    EXPECT_TRUE(d.txtWebServer.startsWith("http://")) << d.txtWebServer.toStdString();
-    EXPECT_TRUE(d.txtWebServer.endsWith("/eafdss/myweb/websend.php")) << d.txtWebServer.toStdString();
-    EXPECT_TRUE(d.txtQR.startsWith("https://")) << d.txtQR.toStdString();
-    EXPECT_TRUE(d.txtQR.endsWith("/tameiakes/myweb/q1.php")) << d.txtQR.toStdString();
-    EXPECT_FALSE(d.txtWebServer.contains('~'));
-}
-
 TEST(TaxServerEntries, ChecksRunInOrderAndTheFirstFailureIsTold)
 {
     EXPECT_FALSE(CheckTaxServerEntries(valid()).has_value());

@@ -130,16 +130,6 @@ TEST_F(ZFileRunTest, AWrittenZFileIsSaidOnTheStatusLineAndMailedWhenAReceiverIsS
     EXPECT_TRUE(QFile::exists(dir.filePath("Zfiles/Z0042.out")));
 }
 
-TEST_F(ZFileRunTest, WithoutAReceiverNoMailGoesOut)
-{
-    vars.eMail = QStringLiteral("   ");
-    run.Zfile();
-    EXPECT_TRUE(QFile::exists(dir.filePath("Zfiles/Z0042.out")));
-    QEventLoop().processEvents();
-    EXPECT_TRUE(mails.requests.isEmpty());
-    EXPECT_TRUE(person.messages.isEmpty());
-}
-
 TEST_F(ZFileRunTest, AFailedRunShowsThePartsTextAndSendsNoMail)
 {
     vars.eMail = QStringLiteral("z@acct.gr");

@@ -38,24 +38,13 @@ QHash<QString, QString> dayReplies()
     return r;
 }
 
-const char* const kDayFile =
-    " POS ,  1,TEC12345678,TEC12345678\r\n"
-    " REP ,   7,03-01-2026,2315\r\n"
-    " VAT ,001,   A, 24.000,        124.00,        100.00,         24.00\r\n"
-    " VAT ,002,   B, 13.000,        113.00,        100.00,         13.00\r\n"
-    " VAT ,003,   C,  6.000,          0.00,          0.00,          0.00\r\n"
-    " VAT ,004,   D,  0.000,          0.00,          0.00,          0.00\r\n"
-    " VAT ,005,   E, 17.000,          0.00,          0.00,          0.00\r\n"
-    " DEP ,001, ΨΩΜΙ                ,      12.000,         113.00,2\r\n"
-    " DEP ,003, ABCDEFGHIJKLMNOPQRST,      -1.000,          -4.50,1\r\n"
-    " DEP ,004,  ΚΑΦΕΣ ΕΛΛΗΝΙΚΟΣ ΔΙΠ,       3.000,           7.50,5\r\n"
-    " REC ,          3,        118\r\n"
-    " TOT ,        237.00\r\n"
-    " VOI ,          5.50\r\n"
-    " RET ,          0.00\r\n"
-    " COR ,         12.40\r\n"
-    " ROA ,          0.00\r\n"
-    " PO  ,          0.00\r\n";
+// The Z file of that day, as its lines read (in UTF-8, each ending in LF here).
+QByteArray dayFile()
+{
+    QFile f(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/zfile-day.txt"));
+    EXPECT_TRUE(f.open(QIODevice::ReadOnly));
+    return codepage::toWin1253(QString::fromUtf8(f.readAll()).replace(u'\n', QStringLiteral("\r\n")));
+}
 
 class ZFileTest : public ::testing::Test {
 protected:
@@ -104,7 +93,7 @@ protected:
 TEST_F(ZFileTest, TheDaysFiguresAreWrittenByteForByteInTheCodePageWithCrLf)
 {
     ASSERT_EQ(build(), -1);
-    EXPECT_EQ(fileBytes("Z0007.out"), codepage::toWin1253(QString::fromUtf8(kDayFile)));
+    EXPECT_EQ(fileBytes("Z0007.out"), dayFile());
     EXPECT_EQ(lastNumber, "7");
 
     // Twenty-six quiet queries in the order of the file, and nothing else.
@@ -135,7 +124,7 @@ TEST_F(ZFileTest, ASecondRunForTheSameZAppendsASecondCopy)
 {
     ASSERT_EQ(build(), -1);
     ASSERT_EQ(build(), -1);
-    const QByteArray once = codepage::toWin1253(QString::fromUtf8(kDayFile));
+    const QByteArray once = dayFile();
     EXPECT_EQ(fileBytes("Z0007.out"), once + once);
 }
 

@@ -67,6 +67,17 @@ struct RecordedSends {
     }
 };
 
+// A ZMail whose sends are recorded, with the operator, clock and variables it talks to.
+class ZMailTest : public ::testing::Test {
+protected:
+    ScriptedOperator op;
+    SteppingClock clock;
+    ModuleVariables vars;
+    RecordedSends sends;
+    QTemporaryDir home;
+    ZMail zmail{op, clock, vars, home.path(), sends.function()};
+};
+
 } // namespace
 
 TEST(ZMail, MailCarriesTheZFileWithBodyAndSubjectEachOnItsOwnClockReading)
@@ -86,13 +97,8 @@ TEST(ZMail, MailCarriesTheZFileWithBodyAndSubjectEachOnItsOwnClockReading)
     EXPECT_EQ(clock.readings(), 2);
 }
 
-TEST(ZMail, BlankAddressSendsNothingAndSaysNothing)
+TEST_F(ZMailTest, BlankAddressSendsNothingAndSaysNothing)
 {
-    ScriptedOperator op;
-    SteppingClock clock;
-    ModuleVariables vars;
-    RecordedSends sends;
-    ZMail zmail(op, clock, vars, QStringLiteral("/h"), sends.function());
 
     EXPECT_FALSE(zmail.send(QString(), QStringLiteral("1")));
     EXPECT_FALSE(zmail.send(QStringLiteral("   "), QStringLiteral("1")));
@@ -103,9 +109,8 @@ TEST(ZMail, BlankAddressSendsNothingAndSaysNothing)
     EXPECT_EQ(clock.readings(), 0);
 }
 
-TEST(ZMail, FailedSendWarnsTheOperatorLogsTheReasonAndKeepsTheZFile)
+TEST_F(ZMailTest, FailedSendWarnsTheOperatorLogsTheReasonAndKeepsTheZFile)
 {
-    QTemporaryDir home;
     QDir(home.path()).mkpath(QStringLiteral("Zfiles"));
     const QString zFile = home.filePath(QStringLiteral("Zfiles/Z0123.out"));
     {
@@ -113,12 +118,7 @@ TEST(ZMail, FailedSendWarnsTheOperatorLogsTheReasonAndKeepsTheZFile)
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
         f.write(" POS ,  1,ABC\r\n");
     }
-    ScriptedOperator op;
-    SteppingClock clock;
-    ModuleVariables vars;
-    RecordedSends sends;
     sends.answer = {-1, QStringLiteral("Ο διακομιστής αλληλογραφίας δεν απάντησε.")};
-    ZMail zmail(op, clock, vars, home.path(), sends.function());
     QStringList logged;
     zmail.setFailureLog([&](const QString& line) { logged.append(line); });
 
@@ -138,14 +138,9 @@ TEST(ZMail, FailedSendWarnsTheOperatorLogsTheReasonAndKeepsTheZFile)
     EXPECT_EQ(f.readAll(), QByteArray(" POS ,  1,ABC\r\n"));
 }
 
-TEST(ZMail, SentMailShowsNothingAndFailureTitleFollowsTheRegister)
+TEST_F(ZMailTest, SentMailShowsNothingAndFailureTitleFollowsTheRegister)
 {
-    ScriptedOperator op;
-    SteppingClock clock;
-    ModuleVariables vars;
     vars.DeviceLabel = QStringLiteral("TEC FP 12345678");
-    RecordedSends sends;
-    ZMail zmail(op, clock, vars, QStringLiteral("/h"), sends.function());
     QList<int> statuses;
     QObject::connect(&zmail, &ZMail::finished, [&](int status) { statuses.append(status); });
 

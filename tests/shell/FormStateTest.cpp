@@ -1,4 +1,5 @@
 #include "shell/FormModel.h"
+#include "shell/ProgressIndicator.h"
 
 #include "PrintQString.h"
 
@@ -72,4 +73,17 @@ TEST(FormModel, TheStateCrossesToAnotherThreadAsACopy)
     EXPECT_EQ(state.caption, QStringLiteral("Εκτύπωση Ενεργή "));
     EXPECT_EQ(state.lblProgr, QStringLiteral(" Ολοκληρώθηκε το 50%"));
     EXPECT_FALSE(state.menus.mZREp.enabled);
+}
+
+TEST(ProgressIndicator, ShowsRoundedPercentageAndDashBelowOne)
+{
+    FormModel form;
+    clsind progress(form);
+    progress.setMax(3);
+    progress.setValue(0);
+    EXPECT_EQ(form.lblProgr(), QStringLiteral("-"));
+    progress.setValue(2);
+    EXPECT_EQ(form.lblProgr(), QStringLiteral(" Ολοκληρώθηκε το 67%"));
+    progress.setValue(3);
+    EXPECT_EQ(form.lblProgr(), QStringLiteral(" Ολοκληρώθηκε το 100%"));
 }

@@ -7,24 +7,8 @@ using Register = ModelTest;
 
 TEST_F(Register, WorkedReceiptAddsUpDiscountsAndClosesOnFullPayment)
 {
-    EXPECT_EQ(send("3/S/ΚΑΦΕΣ ΦΙΛΤΡΟΥ/250Γ/2.000/3.50/1/24.00/"), "00/00/10/");
-    EXPECT_EQ(send("4/10.00//ΕΚΠΤΩΣΗ ΠΕΛΑΤΗ/0/0/0/"), "00/00/10/");
-    EXPECT_EQ(send("3/S/ΝΕΡΟ 500ML//1.000/0.50/2/13.00/"), "00/00/10/");
-    EXPECT_EQ(send("4/0.30//ΕΚΠΤΩΣΗ ΜΕΡ.ΣΥΝ/0/1/1/"), "00/00/10/");
-    EXPECT_EQ(fields("9/").value(9), "6.50");
-    EXPECT_EQ(send("5/1/6.50/ΜΕΤΡΗΤΑ//////"), "00/00/00/");
-    const QStringList nine = fields("9/");
-    EXPECT_EQ(nine.value(8), "1");
-    EXPECT_EQ(nine.value(9), "6.50");
+    play("worked-receipt.txt");
     EXPECT_TRUE(tape.contains("ΣΥΝΟΛΟ ΕΥΡΩ                         6.50"));
-
-    // the day's figures by category after the Z: 7.00 - 0.70 - 0.31 + 0.03 = 6.02 and 0.50 - 0.02
-    EXPECT_EQ(send("x/7///"), "00/00/00/");
-    const QStringList z = fields("0/");
-    EXPECT_EQ(z.mid(3, 6), QStringList({"6.02", "0.48", "0.00", "0.00", "0.00", "6.50"}));
-    EXPECT_EQ(fields("i/").value(5), "1");
-    EXPECT_EQ(fields("d/1/").value(8), "2");
-    EXPECT_EQ(fields("d/1/").value(9), "6.02");
 }
 
 TEST_F(Register, NumbersReceiptsDailyAndProgressivelyAcrossTheZ)
@@ -47,66 +31,7 @@ TEST_F(Register, NumbersReceiptsDailyAndProgressivelyAcrossTheZ)
 
 TEST_F(Register, RefusesAsARegisterDoes)
 {
-    EXPECT_EQ(send("3/S/ΨΩΜΙ//1.000/1.00/1/"), "01/00/00/");          // a field short
-    EXPECT_EQ(send("Q/"), "06/00/00/");
-    EXPECT_EQ(send("3/S/ΨΩΜΙ//1.000/1.00/7/24.00/"), "41/00/00/");    // inactive department
-    EXPECT_EQ(send("3/S/ΨΩΜΙ//1.000/1.00/1/23.00/"), "09/00/00/");    // no such VAT rate
-    EXPECT_EQ(send("3/C/ΨΩΜΙ//1.000/1.00/1/24.00/"), "70/00/00/");    // nothing to void
-    EXPECT_EQ(send("+/"), "46/00/00/");
-    send("3/S/ΨΩΜΙ//2.000/1.00/1/24.00/");
-    EXPECT_EQ(send("5/7/1.00///////"), "40/00/10/");                  // inactive payment
-    EXPECT_EQ(send("5/2/5.00///////"), "5A/00/10/");                  // no change on a card
-    EXPECT_EQ(send("5/1/1.00///////"), "00/00/10/");
-    EXPECT_EQ(send("3/S/ΓΑΛΑ//1.000/1.00/1/24.00/"), "15/00/10/");    // sale in payment
-    EXPECT_EQ(send("&/1/9//0////////////"), "AF/00/10/");             // table not open
-}
-
-TEST_F(Register, TableItemsKeepIdentifiersThroughCancelAndMoves)
-{
-    send("&/0/3//////////////");
-    const QStringList a = fields("3/S/ΚΑΦΕΣ//1.000/2.00/1/24.00/");
-    const QStringList b = fields("3/S/ΤΟΣΤ//2.000/3.00/1/24.00/");
-    const QStringList c = fields("3/S/ΝΕΡΟ//1.000/0.50/2/13.00/");
-    EXPECT_EQ(a.mid(3, 2), QStringList({"1", "1"}));
-    EXPECT_EQ(b.mid(3, 2), QStringList({"2", "2"}));
-    EXPECT_EQ(send("5/1/0.00////"), "00/00/00/");
-
-    // cancel line 2 in a later visit
-    send("&/0/3//////////////");
-    EXPECT_EQ(send("&/5/3/2/////////////"), "00/00/10/");
-    EXPECT_EQ(send("3/C/ΤΟΣΤ//2.000/3.00/1/24.00/"), "00/00/10/");
-    EXPECT_EQ(send("3/C/ΤΟΣΤ//2.000/3.00/1/24.00/"), "70/00/10/"); // nothing selected any more
-    send("5/1/0.00////");
-
-    // one item to table 290, then the rest of table 3 to table 4
-    EXPECT_EQ(send("&/4/3/290/1/1///////////"), "00/00/00/");
-    EXPECT_EQ(send("&/9/3/290/" + c.value(3) + "////////////"), "00/00/00/");
-    // the count of moved items, then from field 4 one moved item a field
-    EXPECT_EQ(send("&/9/3/290/0////////////"), "00/00/00/1/3-3|4-1/");
-    EXPECT_EQ(send("&/4/3/4/0/1///////////"), "00/00/00/1/1-1|5-1/");
-    EXPECT_EQ(fields("&/11/3//0/0///////////").value(4), "");
-    EXPECT_EQ(fields("&/11/4//0/0///////////").value(4), "1|5|ΚΑΦΕΣ|1.000|2.00|1|24.00");
-
-    // paying table 4 prints a receipt and frees it
-    EXPECT_EQ(send("&/1/4//0///1/////0.50/////"), "00/00/10/");
-    EXPECT_EQ(send("&/3/4//0/1///////0.00/////"), "00/00/00/");
-    EXPECT_EQ(fields("9/").value(9), "1.50");
-    EXPECT_EQ(send("&/1/4//0////////////"), "AF/00/00/");
-}
-
-TEST_F(Register, CardPaymentReportsTheTerminalTextAndDeclineLeavesTheBalance)
-{
-    model.queueCardOutcome("DECLINED BY THE TERMINAL");
-    send("3/S/ΨΩΜΙ//1.000/4.00/1/24.00/");
-    EXPECT_EQ(send("5/2/4.00/ΚΑΡΤΑ///1/1/"), "00/00/10/");
-    QStringList q = fields("5/99/0/ ///1/1/");
-    EXPECT_EQ(q.value(q.size() - 2), "DECLINED BY THE TERMINAL");
-    EXPECT_EQ(fields("9/").value(9), "4.00");
-    EXPECT_EQ(send("5/2/4.00/ΚΑΡΤΑ///2/1/"), "BC/00/10/"); // inactive terminal
-    EXPECT_EQ(send("5/2/4.00/ΚΑΡΤΑ///1/1/"), "00/00/00/");
-    q = fields("5/99/0/ ///1/1/");
-    EXPECT_EQ(q.size(), 14 * 2 + 5); // two transactions: what the driver counts on
-    EXPECT_EQ(q.value(q.size() - 2), "APPROVED");
+    play("receipt-refusals.txt");
 }
 
 } // namespace

@@ -12,12 +12,39 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 // One command to a register, in Windows-1253 both ways.
 inline QString sendTo(SimRegister& reg, const QString& command)
 {
     return codepage::fromWin1253(reg.handle(codepage::toWin1253(command)).reply);
+}
+
+// Plays a conversation of tests/data/sim/: each line a command, a tab and the
+// reply it must get word for word (no tab: the reply is not looked at);
+// "restart" switches the register off and on; "#" starts a comment.
+inline void replay(const QString& name, const std::function<QString(const QString&)>& send,
+                   const std::function<void()>& restart = {})
+{
+    QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/sim/") + name);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
+    int number = 0;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
+        ++number;
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+            continue;
+        if (line == QLatin1String("restart")) {
+            ASSERT_TRUE(restart) << qPrintable(name) << ":" << number;
+            restart();
+            continue;
+        }
+        const qsizetype tab = line.indexOf(QLatin1Char('\t'));
+        const QString reply = send(line.left(tab));
+        if (tab >= 0) {
+            EXPECT_EQ(reply, line.mid(tab + 1)) << qPrintable(name) << ":" << number << " " << qPrintable(line.left(tab));
+        }
+    }
 }
 
 // The register's model alone, at a fixed time; what it prints goes to tape.
@@ -35,6 +62,10 @@ protected:
         return o.reply.text();
     }
     QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
+    void play(const QString& name)
+    {
+        replay(name, [this](const QString& command) { return send(command); });
+    }
 };
 
 // The whole register with its memory and tape in a temporary directory.
@@ -58,6 +89,10 @@ protected:
     }
     QString send(const QString& command) { return sendTo(*reg, command); }
     QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
+    void play(const QString& name)
+    {
+        replay(name, [this](const QString& command) { return send(command); }, [this] { restart(); });
+    }
     QString tape() const
     {
         QFile f(dir.filePath(QStringLiteral("tape.txt")));

@@ -7,34 +7,8 @@ namespace {
 
 using Send = std::function<QString(const QString&)>;
 
-// Three receipts over four VAT categories, three departments and three
-// payments, with a discount, a correction, a return, change, and a voided
-// fourth document.
-void recordTheDay(const Send& send)
-{
-    const QStringList commands = {
-        "3/S/ΚΑΦΕΣ//2.000/3.50/1/24.00/", // A, department 1
-        "3/S/ΝΕΡΟ//1.000/0.50/2/13.00/",  // B, department 2
-        "5/1/10.00/ΜΕΤΡΗΤΑ//////",        // 7.50, 2.50 change
-
-        "3/S/ΨΩΜΙ//1.000/1.20/3/6.00/",   // C, department 3
-        "3/S/ΤΟΣΤ//1.000/3.00/1/24.00/",
-        "4/10.00//ΕΚΠΤΩΣΗ/0/1/0/",        // 0.42 off: 0.12 from C, 0.30 from A
-        "5/2/3.78/ΚΑΡΤΑ//////",
-
-        "3/S/ΚΡΑΣΙ//1.000/12.00/4/17.00/", // D, department 4
-        "3/S/ΚΑΦΕΣ//1.000/3.50/1/24.00/",
-        "3/C/ΚΑΦΕΣ//1.000/3.50/1/24.00/",  // correction
-        "3/R/ΝΕΡΟ//1.000/0.50/2/13.00/",   // return
-        "5/1/5.00///////",
-        "5/4/6.50///////",                 // 11.50 in two payments
-
-        "3/S/ΤΟΣΤ//1.000/3.00/1/24.00/",
-        "+/",                              // voided
-    };
-    for (const QString& c : commands)
-        ASSERT_TRUE(send(c).startsWith("00/")) << c.toStdString();
-}
+// The day of tests/data/sim/day-of-three-receipts.txt.
+void recordTheDay(const Send& send) { replay(QStringLiteral("day-of-three-receipts.txt"), send); }
 
 QStringList fieldsOf(const Send& send, const QString& command) { return send(command).split(QLatin1Char('/')); }
 

@@ -5,7 +5,6 @@
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "config/VatFile.h"
-#include "records/ClsTable.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -109,15 +108,6 @@ TEST(TableHeader, TitlesAreRightAlignedInTwoLines)
     ProgramTableHeader(link, 5, "x", status, reply);
     EXPECT_EQ(status, 44);
     EXPECT_EQ(PadLeftTo("ab", 5, "#"), "#  ab");
-}
-
-TEST(TableItem, DescriptionHasAFixedWidthOf24)
-{
-    clsTable item;
-    item.setItemDesc(QString(30, 'x'));
-    EXPECT_EQ(item.itemDesc(), QString(24, 'x'));
-    item.setItemDesc("abcde");
-    EXPECT_EQ(item.itemDesc(), "abcde" + QString(19, ' '));
 }
 
 TEST(DepartmentLookup, DescriptionAndRateOfTheCategoryItNames)

@@ -2,11 +2,15 @@
 #include "protocol/CurrentReceiptQuery.h"
 #include "protocol/DepartmentQuery.h"
 #include "protocol/DeviceSerialQuery.h"
+#include "protocol/EftOutcome.h"
 #include "protocol/EftOutcomeQuery.h"
+#include "protocol/OpenDocumentQuery.h"
 #include "protocol/SaleOnTableReply.h"
 #include "protocol/TableContentsQuery.h"
+#include "protocol/TransferReply.h"
 #include "protocol/VatTableQuery.h"
 #include "protocol/VersionQuery.h"
+#include "protocol/ZFileQueries.h"
 
 #include "PrintQString.h"
 
@@ -132,9 +136,94 @@ TEST(CardQueries, TransactionsAreFourteenFieldsEachAndTheLastTextClosesTheReply)
     EXPECT_FALSE(EftOutcomeQuery().read(kRefused).has_value());
 }
 
-} // namespace
+QList<std::tuple<int, int, int, int>> moved(const char* text)
+{
+    QList<std::tuple<int, int, int, int>> out;
+    for (const TransferReply::MovedItem& m : TransferReply::read(answer(text)))
+        out << std::tuple(int(m.sourceIdentifier), int(m.sourceOrder), int(m.destinationIdentifier),
+                          int(m.destinationOrder));
+    return out;
+}
 
-#include "protocol/ZFileQueries.h"
+TEST(TableReplies, AMoveReplyNamesEachItemBeforeAndAfterUpToTheFirstEmptyField)
+{
+    EXPECT_EQ(moved("00/00/00/2/11-1|31-4/12-2|32-5/"),
+              (QList<std::tuple<int, int, int, int>>{{11, 1, 31, 4}, {12, 2, 32, 5}}));
+    EXPECT_EQ(moved("00/00/00/2/11-1|31-4//12-2|32-5/").size(), 1);
+    EXPECT_TRUE(moved("00/00/00/").isEmpty());
+    EXPECT_TRUE(moved("00/00/00/0/").isEmpty());
+    // Garbage, a missing half or a missing order is passed over, not guessed at.
+    EXPECT_EQ(moved("00/00/00/4/x|y/12-|32-5/13-3|/14-4|34-9/"),
+              (QList<std::tuple<int, int, int, int>>{{14, 4, 34, 9}}));
+}
+
+TEST(TableReplies, TheOpenBitAndATablesItems)
+{
+    const OpenDocumentQuery open;
+    EXPECT_EQ(open.command(), "?/");
+    EXPECT_EQ(open.read(answer("00/00/10/")), std::optional<bool>(true));
+    EXPECT_EQ(open.read(answer("00/00/00/")), std::optional<bool>(false));
+    EXPECT_FALSE(open.read(answer("06/00/00/")).has_value());
+
+    const TableContentsQuery contents{3};
+    EXPECT_TRUE(contents.read(answer("00/00/00/1/1|7|ΝΕΡΟ|1.000|0.50|2|13.00/"))->holdsItems);
+    EXPECT_FALSE(contents.read(answer("00/00/00/0/"))->holdsItems);
+}
+
+// A query reply whose last transaction ends with the terminal's text.
+QString replyWith(const QString& text)
+{
+    return QStringLiteral("00/00/00/1/1/2/3/10.00/VISA/****1234/1/0101/05/42/7/978/ACQ/") + text
+        + QStringLiteral("/");
+}
+
+TEST(EftOutcome, EveryTerminalTextOfTheTableGivesItsOutcomeExactly)
+{
+    const std::pair<const char*, EftOutcome> table[] = {
+        {"TRANSACTION WAS DECLINED", EftOutcome::TryAgain},
+        {"DECLINED BY THE TERMINAL", EftOutcome::FinalRefusal},
+        {"DECLINED BY THE HOST", EftOutcome::TryAgain},
+        {"COMMUNICATION PROBLEM", EftOutcome::TryAgain},
+        {"BANK'S HOST UNREACHABLE", EftOutcome::TryAgain},
+        {"TRANSACTION FAILED - POS ERROR", EftOutcome::TryAgain},
+        {"PROTOCOL NOT SUPPORTED", EftOutcome::FinalRefusal},
+        {"DUPLICATE REQUEST RECEIVED", EftOutcome::FinalRefusal},
+        {"SYNTAX ERROR IN REQUEST", EftOutcome::FinalRefusal},
+        {"INVALID CURRENCY", EftOutcome::FinalRefusal},
+        {"INTERNAL POS ERROR", EftOutcome::FinalRefusal},
+        {"INVALID COMMAND", EftOutcome::FinalRefusal},
+        {"WRONG PARAMETER", EftOutcome::FinalRefusal},
+        {"POS IS BUSY", EftOutcome::TerminalBusy},
+        {"ECR-POS DISCONNECTION", EftOutcome::FinalRefusal},
+        {"USER CANCELLATION OR TIMEOUT", EftOutcome::FinalRefusal},
+        {"ECR INACTIVE EFTPOS", EftOutcome::FinalRefusal},
+        {"RECEIVE:WRONG CMD RECEIVED", EftOutcome::TryAgain},
+        {"SEND:ENCRYPTION ERROR", EftOutcome::FinalRefusal},
+        {"MAC ERROR", EftOutcome::FinalRefusal},
+        {"SEND:TIMEOUT WHILE SEND DATA TO POS", EftOutcome::NoContact},
+        {"CONNECTION CLOSED-ABORTED BY POS", EftOutcome::TryAgain},
+    };
+    for (const auto& [text, outcome] : table) {
+        EXPECT_EQ(ClassifyEftOutcome(replyWith(QString::fromUtf8(text))), outcome) << text;
+        EXPECT_EQ(ClassifyTerminalText(QString::fromUtf8(text)), outcome) << text;
+    }
+}
+
+TEST(EftOutcome, OnlyTheNoContactTextMayHaveMoreBehindItEverythingElseUnknownIsApproved)
+{
+    EXPECT_EQ(ClassifyTerminalText("SEND:TIMEOUT WHILE SEND DATA TO POS 00:12"), EftOutcome::NoContact);
+    EXPECT_EQ(ClassifyTerminalText("SEND:TIMEOUT WHILE SEND DATA TO PO"), EftOutcome::Approved);
+    EXPECT_EQ(ClassifyTerminalText("MAC ERROR "), EftOutcome::Approved);
+    EXPECT_EQ(ClassifyTerminalText("pos is busy"), EftOutcome::Approved);
+    EXPECT_EQ(ClassifyTerminalText(" POS IS BUSY"), EftOutcome::Approved);
+    EXPECT_EQ(ClassifyTerminalText("APPROVED"), EftOutcome::Approved);
+    EXPECT_EQ(ClassifyTerminalText(""), EftOutcome::Approved);
+    // The reply's last field but one is the text; a reply too short for one is approved.
+    EXPECT_EQ(ClassifyEftOutcome("00/00/00/POS IS BUSY/"), EftOutcome::TerminalBusy);
+    EXPECT_EQ(ClassifyEftOutcome("00/00/00/POS IS BUSY/x/"), EftOutcome::Approved);
+    EXPECT_EQ(ClassifyEftOutcome("00"), EftOutcome::Approved);
+    EXPECT_EQ(ClassifyEftOutcome(""), EftOutcome::Approved);
+}
 
 TEST(ZFileQueries, AmountsAreReadAtTwoDecimalsWhicheverMarkAndJunkIsNoAmount)
 {
@@ -175,3 +264,5 @@ TEST(ZFileQueries, ReadersWantEveryFieldTheyNameAndNothingFromARefusal)
     EXPECT_EQ(zfile::DayStatusQuery{}.read(answer("00/00/00/0/0/7/0/125/0.00/0/TEC1/9/")), QStringLiteral("TEC1"));
     EXPECT_FALSE(zfile::ZStampQuery{}.read(answer("00/00/00/03-01-2026/")).has_value());
 }
+
+} // namespace
