@@ -1,38 +1,21 @@
-// kerbano as a service lives: signals at a wait, in the middle of a job and
-// when idle, the wait limit of the command-line life, the communication log
-// and one kerbano per port, against the real executables.
-#include "SimProcess.h"
-#include "shell/CodePage.h"
+// kerbano as a service lives: a wrong start, signals at a wait, in the middle
+// of a job and when idle, the wait limit of the command-line life, the
+// communication log and one kerbano per port, against the real executables.
+#include "SimWorld.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QThread>
-#include <gtest/gtest.h>
 
 #ifdef Q_OS_UNIX
 #include <csignal>
+#endif
 
 namespace {
 constexpr int kStartMs = 5000;
 constexpr int kEventMs = 20000;
-const char kFlags[] = "1110111";
-
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 // A print file of count items, each one line.
 QByteArray itemsPrintFile(int count)
@@ -79,7 +62,9 @@ public:
         }
         return true;
     }
+#ifdef Q_OS_UNIX
     void signal(int number) { ::kill(pid_t(process_.processId()), number); }
+#endif
     bool running() { return process_.state() == QProcess::Running; }
     // True when it ended in time; the exit code, or -1 for a death by signal.
     bool waitEnd(int timeoutMs = kEventMs)
@@ -108,26 +93,8 @@ private:
     QByteArray err_;
 };
 
-class ServiceLifeEndToEnd : public ::testing::Test {
+class ServiceLifeEndToEnd : public SimWorld {
 protected:
-    void SetUp() override { ASSERT_TRUE(dir.isValid()); }
-
-    QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
-    void startRegister(const QByteArray& faults)
-    {
-        ASSERT_TRUE(writeBytes(path(QStringLiteral("faults.txt")), faults));
-        sim.setExtraArguments({QStringLiteral("--faults"), path(QStringLiteral("faults.txt"))});
-        ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
-    }
-    QString commandLine() const
-    {
-        return QStringLiteral("%1,9600,print.txt,0,TECFP,%2").arg(sim.portField(), kFlags);
-    }
-    QStringList resultLines() const
-    {
-        return codepage::fromWin1253(readBytes(path(QStringLiteral("result.txt"))))
-            .split(QStringLiteral("\r\n"));
-    }
     // Whether a payment went out once the items had begun (the opening
     // sends one of nothing before them).
     bool paidAfterTheItems() const
@@ -148,11 +115,57 @@ protected:
             n += command.startsWith(prefix);
         return n;
     }
-
-    QTemporaryDir dir;
-    SimProcess sim{dir.path()};
 };
 
+} // namespace
+
+// The lives that end before any register is found.
+TEST_F(ServiceLifeEndToEnd, AWrongCommandLineOrNoParamFileEndsAtOnceAndAFailedLinkStaysUp)
+{
+    const KerbanoRun wrong = runKerbanoHeadless(dir.path(), u"com1,9600,p.txt,0,TECFP,111111"_s, kEventMs);
+    EXPECT_NE(wrong.exitCode, 0);
+    EXPECT_TRUE(wrong.out.isEmpty()) << wrong.out.toStdString();
+    EXPECT_TRUE(wrong.err.isEmpty()) << wrong.err.toStdString();
+
+    const KerbanoRun noParams = runKerbanoHeadless(dir.path(), QStringList(), kEventMs);
+    EXPECT_EQ(noParams.exitCode, 1);
+    EXPECT_TRUE(noParams.err.contains("param.ini")) << noParams.err.toStdString();
+
+    ASSERT_TRUE(writeBytes(path(u"param.ini"_s),
+                           "[port] /dev/nosuchport\r\n[baud] 9600\r\n[file] print\r\n[multi type] true\r\n"));
+    LiveKerbano kerbano(dir.path(), {});
+    ASSERT_TRUE(kerbano.waitFor(u"Λάθος : -1 - Πρόβλημα στην Θύρα :/dev/nosuchport"_s)) << kerbano.said().toStdString();
+    EXPECT_TRUE(kerbano.said().contains(u"Εύρεση Φορολογικής Ταμειακής !!! \n"_s)) << kerbano.said().toStdString();
+    EXPECT_FALSE(kerbano.waitEnd(300)); // the link-failed state waits for the operator
+}
+
+TEST_F(ServiceLifeEndToEnd, ACommandLineWithNoRegisterEndsWithTwoAndKeepsTheFile)
+{
+    QDir(dir.path()).mkpath(u"jobs"_s);
+    ASSERT_TRUE(writeBytes(path(u"jobs/print.txt"_s), "resFile:  jobs\\res.txt\r\ntag:  00417\r\n PLU x\r\n"));
+    const KerbanoRun run = runKerbanoHeadless(dir.path(), u"com99,9600,jobs\\print.txt,0,TECFP,1111111"_s, kEventMs);
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(QFile::exists(path(u"jobs/print.txt"_s)));
+    EXPECT_FALSE(QFile::exists(path(u"jobs/res.txt"_s)));
+    EXPECT_FALSE(QFile::exists(path(u"Result"_s)));
+}
+
+TEST_F(ServiceLifeEndToEnd, RunArgumentsThatNameNoActionEndAtOnceWithStatusOne)
+{
+    const KerbanoRun unknown = runKerbanoHeadless(dir.path(), {u"--run"_s, u"nosuch"_s}, kEventMs);
+    EXPECT_EQ(unknown.exitCode, 1);
+    EXPECT_TRUE(QString::fromUtf8(unknown.err).contains(u"Άγνωστη λειτουργία : nosuch"_s)) << unknown.err.toStdString();
+    EXPECT_TRUE(unknown.out.isEmpty()) << unknown.out.toStdString();
+    for (const QStringList& arguments : {QStringList{u"--run"_s, u"Ver"_s, u"com1,9600,p.txt,0,TECFP,1111111"_s},
+                                         QStringList{u"--run"_s}}) {
+        const KerbanoRun run = runKerbanoHeadless(dir.path(), arguments, kEventMs);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_FALSE(run.err.isEmpty());
+    }
+}
+
+#ifdef Q_OS_UNIX
+namespace {
 // The register answers every item with paper end and clears at the first
 // poll: the command-line life would wait, poll and send again for ever.
 const QByteArray kEndlessPaperEnd = "/^3\\/S/ : code 2C\n";

@@ -2,68 +2,40 @@
 // virtual register, one print file a job: after every job the order store's
 // rows and what the register holds on each table touched are the same items.
 
-#include "KerbanoRun.h"
-#include "PrintQString.h"
-#include "SimProcess.h"
-#include "shell/CodePage.h"
+#include "SimWorld.h"
 
-#include <QDir>
-#include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTcpSocket>
-#include <QTemporaryDir>
 #include <QUuid>
-#include <gtest/gtest.h>
 
 #include <set>
 #include <tuple>
 
 namespace {
-constexpr int kJobTimeoutMs = 30000;
 constexpr int kReplyWaitMs = 5000;
 constexpr int kReplySilenceMs = 300;
-const QString kFlags = QStringLiteral("0,TECFP,1110111");
 
 // An item as both sides name it: its identifier and its line order.
 using Item = std::tuple<int, int>;
 
 QString pluLine(const QString& description, const QString& quantity, const QString& price)
 {
-    return QStringLiteral(" PLU 5201234567890 ") + description.leftJustified(28, QLatin1Char(' '))
-        + quantity.rightJustified(7, QLatin1Char(' ')) + QStringLiteral("  ")
-        + price.rightJustified(9, QLatin1Char(' ')) + QStringLiteral("   13.00  2");
+    return u" PLU 5201234567890 "_s + description.leftJustified(28, u' ') + quantity.rightJustified(7, u' ')
+        + u"  "_s + price.rightJustified(9, u' ') + u"   13.00  2"_s;
 }
 
-QByteArray printFile(const QStringList& lines)
-{
-    return codepage::toWin1253(QStringLiteral("resFile:  result.txt\r\ntag:  T1\r\n") + lines.join(QStringLiteral("\r\n"))
-                               + QStringLiteral("\r\n"));
-}
-
-class TablesEndToEnd : public ::testing::Test {
+class TablesEndToEnd : public SimWorld {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(dir.isValid());
-        ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
-    }
+    void SetUp() override { startRegister(); }
 
-    QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
-
+    // One print file a job; its result file.
     QString print(const QStringList& lines)
     {
-        QFile::remove(path("result.txt"));
-        QFile file(path("print.txt"));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(printFile(lines));
-        file.close();
-        const KerbanoRun run = runKerbanoHeadless(
-            dir.path(), QStringLiteral("%1,9600,print.txt,%2").arg(sim.portField(), kFlags), kJobTimeoutMs);
-        EXPECT_TRUE(run.finished) << "kerbano did not end";
-        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-        QFile result(path("result.txt"));
-        return result.open(QIODevice::ReadOnly) ? codepage::fromWin1253(result.readAll()) : QString();
+        QFile::remove(path(u"result.txt"_s));
+        SimWorld::print(codepage::toWin1253(u"resFile:  result.txt\r\ntag:  T1\r\n"_s + lines.join(u"\r\n"_s)
+                                            + u"\r\n"_s));
+        return codepage::fromWin1253(readBytes(path(u"result.txt"_s)));
     }
 
     // What the register holds on table, asked on its wire by the test itself.
@@ -120,9 +92,6 @@ protected:
         for (const int table : tables)
             EXPECT_EQ(storeItems(table), registerItems(table)) << "table " << table << " after " << after;
     }
-
-    QTemporaryDir dir;
-    SimProcess sim{dir.path()};
 };
 
 } // namespace

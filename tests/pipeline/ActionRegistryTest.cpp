@@ -78,7 +78,7 @@ TEST_F(ActionTest, EveryEntryOfBothMenusIsThereByNameInMenuOrderWithItsCaption)
     };
     expectMenu(kMainMenu, MenuEntry::Menu::Main);
     expectMenu(kTrayMenu, MenuEntry::Menu::Tray);
-    EXPECT_EQ(TrayMenuCaption(), QStringLiteral("sysTray Menu"));
+    EXPECT_EQ(TrayMenuCaption(), u"sysTray Menu"_s);
     // As designed, the menu offers neither the statistics X nor the period Z.
     EXPECT_FALSE(form.state().menus.xrep5.enabled);
     EXPECT_FALSE(form.state().menus.zrep521.enabled);
@@ -92,13 +92,13 @@ TEST_F(ActionTest, AnActionAskedForDuringAJobWaitsAndRunsOnceTheEngineIsFree)
     parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
         walked << line;
         if (line == QLatin1String(" PLU a")) {
-            during = actions->trigger(QStringLiteral("Ver"));
+            during = actions->trigger(u"Ver"_s);
             settle(); // the job lets the event loop breathe after every line
             EXPECT_TRUE(ran.isEmpty()) << "an action entered the middle of a job";
         }
         return true;
     });
-    put(QStringLiteral("print.1"), " PLU a\r\n PLU b\r\n");
+    put(u"print.1"_s, " PLU a\r\n PLU b\r\n");
     engine->timer1Tick();
     EXPECT_EQ(during, ActionRegistry::Outcome::Queued);
     EXPECT_EQ(walked.size(), 3);
@@ -119,8 +119,8 @@ TEST_F(ActionTest, AConversationWithTheRegisterHoldsActionsBackInTheirOrder)
     engine->timer2Tick();
     buildActions();
     activity.conversation = true;
-    EXPECT_EQ(actions->trigger(QStringLiteral("xrep0")), ActionRegistry::Outcome::Queued);
-    EXPECT_EQ(actions->trigger(QStringLiteral("Ver")), ActionRegistry::Outcome::Queued);
+    EXPECT_EQ(actions->trigger(u"xrep0"_s), ActionRegistry::Outcome::Queued);
+    EXPECT_EQ(actions->trigger(u"Ver"_s), ActionRegistry::Outcome::Queued);
     actions->runWaiting(); // a look while the conversation goes on changes nothing
     EXPECT_TRUE(ran.isEmpty());
 
@@ -134,20 +134,19 @@ TEST_F(ActionTest, ActionsThatCannotRunSayWhyInGreekAndRunNothing)
     startPolling(pollingParams());
     buildActions();
 
-    EXPECT_EQ(actions->trigger(QStringLiteral("Zfile")), ActionRegistry::Outcome::NotBuilt);
-    EXPECT_EQ(person.messages.last().text, QStringLiteral("Η λειτουργία Αρχείο 'Ζ' δεν είναι ακόμη διαθέσιμη."));
-    EXPECT_EQ(person.messages.last().title, QStringLiteral("Μύνημα Kerbano"));
+    EXPECT_EQ(actions->trigger(u"Zfile"_s), ActionRegistry::Outcome::NotBuilt);
+    EXPECT_EQ(person.messages.last().text, u"Η λειτουργία Αρχείο 'Ζ' δεν είναι ακόμη διαθέσιμη."_s);
+    EXPECT_EQ(person.messages.last().title, u"Μύνημα Kerbano"_s);
 
-    EXPECT_EQ(actions->trigger(QStringLiteral("reports")), ActionRegistry::Outcome::Unknown);
-    EXPECT_EQ(actions->trigger(QStringLiteral("nosuch")), ActionRegistry::Outcome::Unknown);
-    EXPECT_EQ(person.messages.last().text, QStringLiteral("Άγνωστη λειτουργία : nosuch"));
+    EXPECT_EQ(actions->trigger(u"reports"_s), ActionRegistry::Outcome::Unknown);
+    EXPECT_EQ(actions->trigger(u"nosuch"_s), ActionRegistry::Outcome::Unknown);
+    EXPECT_EQ(person.messages.last().text, u"Άγνωστη λειτουργία : nosuch"_s);
 
     // Polling keeps the reports menu closed.
-    EXPECT_EQ(actions->trigger(QStringLiteral("xrep0")), ActionRegistry::Outcome::Disabled);
-    EXPECT_EQ(person.messages.last().text,
-              QStringLiteral("Η λειτουργία Iσοζ. Χ (Οικονομικό) δεν είναι διαθέσιμη αυτή τη στιγμή."));
+    EXPECT_EQ(actions->trigger(u"xrep0"_s), ActionRegistry::Outcome::Disabled);
+    EXPECT_EQ(person.messages.last().text, u"Η λειτουργία Iσοζ. Χ (Οικονομικό) δεν είναι διαθέσιμη αυτή τη στιγμή."_s);
     engine->command2();
-    EXPECT_EQ(actions->trigger(QStringLiteral("xrep0")), ActionRegistry::Outcome::Ran);
+    EXPECT_EQ(actions->trigger(u"xrep0"_s), ActionRegistry::Outcome::Ran);
 
     EXPECT_EQ(ran, QStringList{"xrep0"});
     EXPECT_EQ(finished.size(), 5);
