@@ -3,6 +3,8 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 
+using namespace Qt::Literals::StringLiterals;
+
 KerbanoRun runKerbanoHeadless(const QString& workDir, const QString& commandLine, int timeoutMs)
 {
     return runKerbanoHeadless(workDir, QStringList{commandLine}, timeoutMs);
@@ -14,9 +16,9 @@ KerbanoRun runKerbanoHeadless(const QString& workDir, const QStringList& argumen
     process.setWorkingDirectory(workDir);
     // Its own home too, so that runs side by side share no log or order store.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
+    environment.insert(u"KERBANO_HOME"_s, workDir);
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), QStringList{QStringLiteral("--headless")} + arguments);
+    process.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), QStringList{u"--headless"_s} + arguments);
     KerbanoRun run;
     run.finished = process.waitForFinished(timeoutMs);
     if (!run.finished) {

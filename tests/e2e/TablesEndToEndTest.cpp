@@ -45,7 +45,7 @@ protected:
         const QString address = sim.portField();
         socket.connectToHost(address.section(':', 0, 0), quint16(address.section(':', 1).toInt()));
         EXPECT_TRUE(socket.waitForConnected(kReplyWaitMs));
-        socket.write(codepage::toWin1253(QStringLiteral("&/11/%1//0/0///////////").arg(table)));
+        socket.write(codepage::toWin1253(u"&/11/%1//0/0///////////"_s.arg(table)));
         QByteArray reply;
         if (socket.waitForReadyRead(kReplyWaitMs)) {
             reply += socket.readAll();
@@ -73,11 +73,11 @@ protected:
         EXPECT_EQ(stores.size(), 1) << stores.join(", ").toStdString();
         const QString name = QUuid::createUuid().toString();
         {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
             db.setDatabaseName(path(stores.first()));
             EXPECT_TRUE(db.open());
             QSqlQuery query(db);
-            query.prepare(QStringLiteral("SELECT itemUID, tableORDER FROM ecrOrders WHERE tableNUM = ?"));
+            query.prepare(u"SELECT itemUID, tableORDER FROM ecrOrders WHERE tableNUM = ?"_s);
             query.addBindValue(table);
             EXPECT_TRUE(query.exec());
             while (query.next())
@@ -98,24 +98,23 @@ protected:
 
 TEST_F(TablesEndToEnd, OpenedFilledMovedAndSettledInPartsOverThreeFiles)
 {
-    const QString first = print({QStringLiteral(" TBO  005 ΚΗΠΟΣ~ΠΑΡΕΑ"), pluLine("ΣΟΥΒΛΑΚΙ", "2", "3.50"),
+    const QString first = print({u" TBO  005 ΚΗΠΟΣ~ΠΑΡΕΑ"_s, pluLine("ΣΟΥΒΛΑΚΙ", "2", "3.50"),
                                  pluLine("ΝΕΡΟ", "1", "0.50"), pluLine("ΝΕΡΟ", "1", "0.50"),
                                  pluLine("ΜΠΥΡΑ", "2", "4.35"), pluLine("ΝΕΡΟ", "-1", "0.50"),
-                                 QStringLiteral(" TBC 5")});
+                                 u" TBC 5"_s});
     EXPECT_FALSE(first.contains("Err = ")) << first.toStdString();
     EXPECT_EQ(registerItems(5).size(), 3u);
     expectInStep({5}, "the first visit");
 
-    const QString second = print({QStringLiteral(" TBO  005"), pluLine("ΣΑΛΑΤΑ", "1", "6.00"),
-                                  QStringLiteral(" TBC 5"), QStringLiteral(" TBT  005 007")});
+    const QString second = print({u" TBO  005"_s, pluLine("ΣΑΛΑΤΑ", "1", "6.00"), u" TBC 5"_s, u" TBT  005 007"_s});
     EXPECT_FALSE(second.contains("Err = ")) << second.toStdString();
     EXPECT_TRUE(registerItems(5).empty());
     EXPECT_EQ(registerItems(7).size(), 4u);
     expectInStep({5, 7}, "the move");
 
-    const QString third = print({QStringLiteral(" TBS  007"), pluLine("ΜΠΥΡΑ", "2", "4.35"),
-                                 pluLine("ΣΑΛΑΤΑ", "1", "6.00"), QStringLiteral(" pay  01"),
-                                 QStringLiteral(" ltb  001-010")});
+    const QString third = print({u" TBS  007"_s, pluLine("ΜΠΥΡΑ", "2", "4.35"),
+                                 pluLine("ΣΑΛΑΤΑ", "1", "6.00"), u" pay  01"_s,
+                                 u" ltb  001-010"_s});
     EXPECT_FALSE(third.contains("Err = ")) << third.toStdString();
     EXPECT_TRUE(third.contains("tblList   = 7\r\n")) << third.toStdString();
     EXPECT_EQ(registerItems(7).size(), 2u);
@@ -125,14 +124,13 @@ TEST_F(TablesEndToEnd, OpenedFilledMovedAndSettledInPartsOverThreeFiles)
 
 TEST_F(TablesEndToEnd, AVoidedTableAndAPaidTableLeaveNothingOverTwoFiles)
 {
-    print({QStringLiteral(" TBO  003"), pluLine("ΚΡΑΣΙ", "1", "8.00"), pluLine("ΨΩΜΙ", "1", "1.00"),
-           QStringLiteral(" TBC 3"), QStringLiteral(" TBO  004"), pluLine("ΚΡΑΣΙ", "1", "8.00"),
-           QStringLiteral(" TBC 4")});
+    print({u" TBO  003"_s, pluLine("ΚΡΑΣΙ", "1", "8.00"), pluLine("ΨΩΜΙ", "1", "1.00"),
+           u" TBC 3"_s, u" TBO  004"_s, pluLine("ΚΡΑΣΙ", "1", "8.00"),
+           u" TBC 4"_s});
     expectInStep({3, 4}, "the visits");
     EXPECT_EQ(storeItems(3).size(), 2u);
 
-    const QString second = print({QStringLiteral(" TBO  003"), QStringLiteral(" voi"), QStringLiteral(" TBO  004"),
-                                  QStringLiteral(" tot   1       8.00ΜΕΤΡΗΤΑ")});
+    const QString second = print({u" TBO  003"_s, u" voi"_s, u" TBO  004"_s, u" tot   1       8.00ΜΕΤΡΗΤΑ"_s});
     EXPECT_FALSE(second.contains("Err = ")) << second.toStdString();
     expectInStep({3, 4}, "the void and the payment");
     EXPECT_TRUE(storeItems(3).empty());

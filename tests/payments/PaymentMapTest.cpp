@@ -98,8 +98,7 @@ void writeBytes(const QString& path, const QByteArray& bytes)
 QByteArray recordBytes(const PayEftRecord& r)
 {
     QByteArray bytes(14, '\0');
-    const qint16 fields[] = {r.payId, r.ecrPayment, r.ecrEft, r.active, r.preCollect, r.retries,
-                             r.altPayment};
+    const qint16 fields[] = {r.payId, r.ecrPayment, r.ecrEft, r.active, r.preCollect, r.retries, r.altPayment};
     for (int i = 0; i < 7; ++i)
         qToLittleEndian<qint16>(fields[i], bytes.data() + 2 * i);
     return bytes;
@@ -157,8 +156,7 @@ TEST_F(PaymentMapTest, AnActiveRecordWithAFieldOutOfRangeIsAnOrdinaryPaymentTold
         EXPECT_FALSE(r.isActive());
         EXPECT_FALSE(r.isPreCollect());
         ASSERT_EQ(op.messages.size(), 1);
-        EXPECT_EQ(op.messages[0].text,
-                  "Λάθος παράμετροι πληρωμής 2 στο payeft.dat: η πληρωμή γίνεται χωρίς EFTPOS");
+        EXPECT_EQ(op.messages[0].text, "Λάθος παράμετροι πληρωμής 2 στο payeft.dat: η πληρωμή γίνεται χωρίς EFTPOS");
     }
 
     // The edges of every range are good, and an inactive record is never judged.

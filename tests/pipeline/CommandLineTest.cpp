@@ -17,15 +17,10 @@ TEST(CommandLine, SplitsAtCommaOrBlankAndMarksEmptyFields)
     expected.file = u"print.txt"_s;
     expected.time = u"e"_s;
     expected.ecrt = u"TECFP"_s;
-    expected.multiType = u"fals"_s;
-    expected.code = u"true"_s;
     expected.printCode = u"true A"_s;
-    expected.printDesc = u"true"_s;
-    expected.comments = u"fals"_s;
     expected.currency = u"1"_s;
-    expected.keybOff = u"true"_s;
-    expected.dirDepa = u"true"_s;
-    expected.quantity = u"fals"_s;
+    expected.code = expected.printDesc = expected.keybOff = expected.dirDepa = u"true"_s;
+    expected.multiType = expected.comments = expected.quantity = u"fals"_s;
     EXPECT_EQ(commandLineSettings(f), expected);
 
     EXPECT_FALSE(commandLineUsable(readcoman(u"com1,9600,print.txt,0,TECFP,111111"_s)));

@@ -12,8 +12,6 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-using namespace Qt::Literals::StringLiterals;
-
 namespace {
 
 class ReportRunTest : public ::testing::Test {
