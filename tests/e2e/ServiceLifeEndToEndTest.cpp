@@ -4,8 +4,6 @@
 #include "SimWorld.h"
 
 #include <QDeadlineTimer>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QThread>
 
@@ -14,8 +12,7 @@
 #endif
 
 namespace {
-constexpr int kStartMs = 5000;
-constexpr int kEventMs = 20000;
+constexpr int kEventMs = LiveKerbano::kEventMs;
 
 // A print file of count items, each one line.
 QByteArray itemsPrintFile(int count)
@@ -27,70 +24,6 @@ QByteArray itemsPrintFile(int count)
     file += codepage::toWin1253(u" tot   1       0.00ΜΕΤΡΗΤΑ\r\n"_s);
     return file;
 }
-
-// One kerbano --headless, watched while it runs and signalled at will.
-class LiveKerbano {
-public:
-    LiveKerbano(const QString& workDir, const QStringList& arguments)
-    {
-        process_.setWorkingDirectory(workDir);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"KERBANO_HOME"_s, workDir);
-        process_.setProcessEnvironment(environment);
-        process_.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), QStringList{u"--headless"_s} + arguments);
-        started_ = process_.waitForStarted(kStartMs);
-    }
-    ~LiveKerbano()
-    {
-        if (process_.state() != QProcess::NotRunning) {
-            process_.kill();
-            process_.waitForFinished(kStartMs);
-        }
-    }
-
-    bool started() const { return started_; }
-    // Waits until stdout or stderr holds text; false when it never came.
-    bool waitFor(const QString& text, int timeoutMs = kEventMs)
-    {
-        const QDeadlineTimer deadline(timeoutMs);
-        while (!said().contains(text)) {
-            if (process_.state() == QProcess::NotRunning || deadline.hasExpired())
-                return false;
-            process_.waitForReadyRead(100);
-            take();
-        }
-        return true;
-    }
-#ifdef Q_OS_UNIX
-    void signal(int number) { ::kill(pid_t(process_.processId()), number); }
-#endif
-    bool running() { return process_.state() == QProcess::Running; }
-    // True when it ended in time; the exit code, or -1 for a death by signal.
-    bool waitEnd(int timeoutMs = kEventMs)
-    {
-        const bool ended = process_.waitForFinished(timeoutMs);
-        take();
-        return ended;
-    }
-    int exitCode() const
-    {
-        return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
-    }
-    QString said() const { return QString::fromUtf8(out_ + err_); }
-    QString err() const { return QString::fromUtf8(err_); }
-
-private:
-    void take()
-    {
-        out_ += process_.readAllStandardOutput();
-        err_ += process_.readAllStandardError();
-    }
-
-    QProcess process_;
-    bool started_ = false;
-    QByteArray out_;
-    QByteArray err_;
-};
 
 class ServiceLifeEndToEnd : public SimWorld {
 protected:
