@@ -7,7 +7,7 @@
 #include <csignal>
 #endif
 
-LiveKerbano::LiveKerbano(const QString& workDir, const QStringList& arguments)
+KerbanoProcess::KerbanoProcess(const QString& workDir, const QStringList& arguments)
 {
     process_.setWorkingDirectory(workDir);
     // Its own home too, so that runs side by side share no log or order store.
@@ -18,7 +18,7 @@ LiveKerbano::LiveKerbano(const QString& workDir, const QStringList& arguments)
     started_ = process_.waitForStarted(kStartMs);
 }
 
-LiveKerbano::~LiveKerbano()
+KerbanoProcess::~KerbanoProcess()
 {
     if (process_.state() != QProcess::NotRunning) {
         process_.kill();
@@ -26,7 +26,7 @@ LiveKerbano::~LiveKerbano()
     }
 }
 
-bool LiveKerbano::waitFor(const QString& text, int timeoutMs)
+bool KerbanoProcess::waitFor(const QString& text, int timeoutMs)
 {
     const QDeadlineTimer deadline(timeoutMs);
     while (!said().contains(text)) {
@@ -38,14 +38,14 @@ bool LiveKerbano::waitFor(const QString& text, int timeoutMs)
     return true;
 }
 
-bool LiveKerbano::waitEnd(int timeoutMs)
+bool KerbanoProcess::waitEnd(int timeoutMs)
 {
     const bool ended = process_.waitForFinished(timeoutMs);
     take();
     return ended;
 }
 
-void LiveKerbano::signal(int number)
+void KerbanoProcess::signal(int number)
 {
 #ifdef Q_OS_UNIX
     ::kill(pid_t(process_.processId()), number);
@@ -54,12 +54,12 @@ void LiveKerbano::signal(int number)
 #endif
 }
 
-int LiveKerbano::exitCode() const
+int KerbanoProcess::exitCode() const
 {
     return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
 }
 
-void LiveKerbano::take()
+void KerbanoProcess::take()
 {
     out_ += process_.readAllStandardOutput();
     err_ += process_.readAllStandardError();
@@ -72,7 +72,7 @@ KerbanoRun runKerbanoHeadless(const QString& workDir, const QString& commandLine
 
 KerbanoRun runKerbanoHeadless(const QString& workDir, const QStringList& arguments, int timeoutMs)
 {
-    LiveKerbano kerbano(workDir, arguments);
+    KerbanoProcess kerbano(workDir, arguments);
     KerbanoRun run;
     run.finished = kerbano.waitEnd(timeoutMs);
     run.exitCode = run.finished ? kerbano.exitCode() : -1;

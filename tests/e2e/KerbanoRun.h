@@ -7,13 +7,13 @@
 
 // One kerbano --headless with its own home, watched while it runs and
 // signalled at will; killed when it goes, whatever the test did.
-class LiveKerbano {
+class KerbanoProcess {
 public:
     static constexpr int kStartMs = 5000;
     static constexpr int kEventMs = 20000;
 
-    LiveKerbano(const QString& workDir, const QStringList& arguments);
-    ~LiveKerbano();
+    KerbanoProcess(const QString& workDir, const QStringList& arguments);
+    ~KerbanoProcess();
 
     bool started() const { return started_; }
     // Waits until stdout or stderr holds text; false when it never came.

@@ -12,7 +12,7 @@
 #endif
 
 namespace {
-constexpr int kEventMs = LiveKerbano::kEventMs;
+constexpr int kEventMs = KerbanoProcess::kEventMs;
 
 // A print file of count items, each one line.
 QByteArray itemsPrintFile(int count)
@@ -65,7 +65,7 @@ TEST_F(ServiceLifeEndToEnd, AWrongCommandLineOrNoParamFileEndsAtOnceAndAFailedLi
 
     ASSERT_TRUE(writeBytes(path(u"param.ini"_s),
                            "[port] /dev/nosuchport\r\n[baud] 9600\r\n[file] print\r\n[multi type] true\r\n"));
-    LiveKerbano kerbano(dir.path(), {});
+    KerbanoProcess kerbano(dir.path(), {});
     ASSERT_TRUE(kerbano.waitFor(u"Λάθος : -1 - Πρόβλημα στην Θύρα :/dev/nosuchport"_s)) << kerbano.said().toStdString();
     EXPECT_TRUE(kerbano.said().contains(u"Εύρεση Φορολογικής Ταμειακής !!! \n"_s)) << kerbano.said().toStdString();
     EXPECT_FALSE(kerbano.waitEnd(300)); // the link-failed state waits for the operator
@@ -106,7 +106,7 @@ TEST_F(ServiceLifeEndToEnd, SigtermAtAWaitEndsItWithoutSendingAgainAndClosesTheR
 {
     startRegister(kEndlessPaperEnd);
     ASSERT_TRUE(writeBytes(path(u"print.txt"_s), itemsPrintFile(3)));
-    LiveKerbano kerbano(dir.path(), {u"--wait-limit"_s, u"0"_s, commandLine()});
+    KerbanoProcess kerbano(dir.path(), {u"--wait-limit"_s, u"0"_s, commandLine()});
     ASSERT_TRUE(kerbano.started());
     // The wait is announced with its level, then it goes on until told.
     ASSERT_TRUE(kerbano.waitFor(u"warning: [Μήνυμα Ταμειακής ("_s)) << kerbano.said().toStdString();
@@ -130,7 +130,7 @@ TEST_F(ServiceLifeEndToEnd, TheWaitLimitStopsTheJobAndTheExitStatusSaysSo)
 {
     startRegister(kEndlessPaperEnd);
     ASSERT_TRUE(writeBytes(path(u"print.txt"_s), itemsPrintFile(2)));
-    LiveKerbano kerbano(dir.path(), {u"--wait-limit"_s, u"3"_s, commandLine()});
+    KerbanoProcess kerbano(dir.path(), {u"--wait-limit"_s, u"3"_s, commandLine()});
     ASSERT_TRUE(kerbano.started());
 
     ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
@@ -147,7 +147,7 @@ TEST_F(ServiceLifeEndToEnd, TheWaitLimitStopsTheJobAndTheExitStatusSaysSo)
 TEST_F(ServiceLifeEndToEnd, AWaitLimitThatIsNoNumberOfSecondsEndsAtOnce)
 {
     for (const QString& value : {u"-1"_s, u"5s"_s}) {
-        LiveKerbano kerbano(dir.path(), {u"--wait-limit"_s, value, u"com1,9600,p.txt,0,TECFP,1110111"_s});
+        KerbanoProcess kerbano(dir.path(), {u"--wait-limit"_s, value, u"com1,9600,p.txt,0,TECFP,1110111"_s});
         ASSERT_TRUE(kerbano.waitEnd());
         EXPECT_EQ(kerbano.exitCode(), 1);
         EXPECT_TRUE(kerbano.err().contains(u"Λάθος τιμή του --wait-limit : "_s + value))
@@ -159,7 +159,7 @@ TEST_F(ServiceLifeEndToEnd, SigintMidJobStopsAtALineBoundaryWithEveryExchangeWho
 {
     startRegister("/^3\\/S/ : delay 150\n");
     ASSERT_TRUE(writeBytes(path(u"print.txt"_s), itemsPrintFile(60)));
-    LiveKerbano kerbano(dir.path(), {u"--log"_s, commandLine()});
+    KerbanoProcess kerbano(dir.path(), {u"--log"_s, commandLine()});
     ASSERT_TRUE(kerbano.started());
     ASSERT_TRUE(kerbano.waitFor(u"Εκτύπωση Ενεργή"_s));
     QThread::msleep(1000);
@@ -193,12 +193,12 @@ TEST_F(ServiceLifeEndToEnd, IdleSurvivesSighupAndEndsOnSigtermASecondInstanceOnT
           "[multi type] true\r\n[print_desc] true\r\n[print_code] falseN\r\n[comments] true\r\n"
           "[currency]=0\r\n[AutoStar]=yes\r\n";
     ASSERT_TRUE(writeBytes(path(u"param.ini"_s), params));
-    LiveKerbano kerbano(dir.path(), {});
+    KerbanoProcess kerbano(dir.path(), {});
     ASSERT_TRUE(kerbano.started());
     ASSERT_TRUE(kerbano.waitFor(u"Αναμονη Για Στοιχεια"_s)) << kerbano.said().toStdString();
 
     {
-        LiveKerbano second(dir.path(), {commandLine()});
+        KerbanoProcess second(dir.path(), {commandLine()});
         ASSERT_TRUE(second.waitEnd());
         EXPECT_EQ(second.exitCode(), 6); // another kerbano holds the port
         EXPECT_TRUE(second.err().contains(u"χρησιμοποιείται ήδη από άλλο kerbano"_s)) << second.said().toStdString();
@@ -225,7 +225,7 @@ TEST_F(ServiceLifeEndToEnd, ASecondSignalEndsAtOnceInTheMiddleOfAnExchange)
 {
     startRegister("/^3\\/S/ : silent\n");
     ASSERT_TRUE(writeBytes(path(u"print.txt"_s), itemsPrintFile(1)));
-    LiveKerbano kerbano(dir.path(), {commandLine()});
+    KerbanoProcess kerbano(dir.path(), {commandLine()});
     ASSERT_TRUE(kerbano.started());
     ASSERT_TRUE(kerbano.waitFor(u"Εκτύπωση Ενεργή"_s));
     QThread::msleep(500);
