@@ -1,18 +1,11 @@
 // A print file that no application should write still ends its job: the
 // driver runs, deletes the file and closes the result file as always.
 
-#include "KerbanoRun.h"
-#include "SimProcess.h"
-#include "shell/CodePage.h"
+#include "SimWorld.h"
 
-#include <QDir>
-#include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
-constexpr int kJobTimeoutMs = 20000;
 
 QByteArray win1253(const char* utf8)
 {
@@ -46,53 +39,34 @@ QByteArray badPrintFile()
     file += " foo  " + QByteArray("\0\xC1\0", 3); // no CR LF behind the last line
     return file;
 }
+
+class BadPrintFileEndToEnd : public SimWorld {};
 } // namespace
 
-TEST(BadPrintFileEndToEnd, ShortLinesLettersInNumbersLongLinesAndNulsEndTheJobAsUsual)
+TEST_F(BadPrintFileEndToEnd, ShortLinesLettersInNumbersLongLinesAndNulsEndTheJobAsUsual)
 {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    SimProcess sim(dir.path());
-    ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
-
-    const QString printPath = QDir(dir.path()).filePath(QStringLiteral("print.txt"));
-    {
-        QFile print(printPath);
-        ASSERT_TRUE(print.open(QIODevice::WriteOnly));
-        const QByteArray bytes = badPrintFile();
-        ASSERT_EQ(print.write(bytes), bytes.size());
-    }
-    const KerbanoRun run = runKerbanoHeadless(
-        dir.path(), sim.portField() + QStringLiteral(",9600,print.txt,0,TECFP,1110111"), kJobTimeoutMs);
-
-    ASSERT_TRUE(run.finished) << "kerbano did not end";
-    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-    EXPECT_FALSE(QFile::exists(printPath)) << "the print file stays";
-
-    QFile result(QDir(dir.path()).filePath(QStringLiteral("bad-result.txt")));
-    ASSERT_TRUE(result.open(QIODevice::ReadOnly));
-    const QByteArray bytes = result.readAll();
-    EXPECT_TRUE(bytes.endsWith("exitcode = 0\r\n")) << bytes.toStdString();
+    startRegister();
+    print(badPrintFile());
+    QStringList lines = resultLines(u"bad-result.txt"_s);
+    EXPECT_EQ(lines.takeLast(), QString()) << "the last line ends in CR LF";
+    EXPECT_EQ(lines.value(lines.size() - 1), u"exitcode = 0"_s) << lines.join(u'|').toStdString();
 
     // Between its first two lines and its closing four the result file holds
     // nothing but the refusals of the register.
-    QStringList lines = codepage::fromWin1253(bytes).split(QStringLiteral("\r\n"));
-    ASSERT_GE(lines.size(), 7);
-    EXPECT_EQ(lines.takeFirst(), QStringLiteral("tag = BAD"));
-    EXPECT_TRUE(lines.takeFirst().startsWith(QStringLiteral("DateTime start = ")));
-    lines.removeLast(); // behind the last CR LF
+    ASSERT_GE(lines.size(), 6);
+    EXPECT_EQ(lines.takeFirst(), u"tag = BAD"_s);
+    EXPECT_TRUE(lines.takeFirst().startsWith(u"DateTime start = "_s));
     const QStringList closing = lines.mid(lines.size() - 4);
-    EXPECT_TRUE(closing[0].startsWith(QStringLiteral("DateTime end = "))) << closing[0].toStdString();
-    EXPECT_EQ(closing[1], QStringLiteral("recStatus = 1;0.50")) << "the last sale and its payment went through";
-    EXPECT_TRUE(closing[2].startsWith(QStringLiteral("receipt = "))) << closing[2].toStdString();
-    const QRegularExpression refusal(QStringLiteral(R"(^Err = -?\d+, \[.*\] DateTime = \d\d/\d\d/\d{4} \d\d:\d\d:\d\d$)"));
+    EXPECT_TRUE(closing[0].startsWith(u"DateTime end = "_s)) << closing[0].toStdString();
+    EXPECT_EQ(closing[1], u"recStatus = 1;0.50"_s) << "the last sale and its payment went through";
+    EXPECT_TRUE(closing[2].startsWith(u"receipt = "_s)) << closing[2].toStdString();
+    const QRegularExpression refusal(u"^Err = -?\\d+, \\[.*\\] DateTime = \\d\\d/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d$"_s);
     for (const QString& line : lines.mid(0, lines.size() - 4))
         EXPECT_TRUE(refusal.match(line).hasMatch()) << line.toStdString();
 
     // The lines behind the long ones and the NULs were run: the comment cut
     // to its 30 characters, and the payment of the file's last sale.
     const QStringList commands = sim.journalCommands();
-    const QString journal = commands.join(QLatin1Char('\n'));
-    EXPECT_TRUE(commands.contains(QStringLiteral("7/1/1/%1/").arg(QString(30, QLatin1Char('K'))))) << journal.toStdString();
-    EXPECT_TRUE(commands.contains(QStringLiteral("5/1/0.50/ΜΕΤΡΗΤΑ//////"))) << journal.toStdString();
+    EXPECT_TRUE(commands.contains(u"7/1/1/%1/"_s.arg(QString(30, u'K')))) << commands.join(u'\n').toStdString();
+    EXPECT_TRUE(commands.contains(u"5/1/0.50/ΜΕΤΡΗΤΑ//////"_s)) << commands.join(u'\n').toStdString();
 }

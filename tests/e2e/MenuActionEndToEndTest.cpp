@@ -1,66 +1,51 @@
-// Menu actions by name: kerbano --headless --run NAME on the virtual register.
+// Menu actions by name: kerbano --headless --run NAME on the virtual register,
+// and the day's reports: receipts printed by the real kerbano, then --run
+// zrep021, whose Z is followed by the Z file when param.ini asks for it.
 
-#include "KerbanoRun.h"
-#include "PrintQString.h"
-#include "SimProcess.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include "SimWorld.h"
 
 namespace {
-constexpr int kRunTimeoutMs = 20000;
+constexpr int kReceipts = 3;
+constexpr int kZFileQueries = 26;
 
-class MenuActionEndToEnd : public ::testing::Test {
+// The amount at the end of a Z file line, in cents.
+qint64 cents(const QString& field)
+{
+    return qRound64(field.trimmed().toDouble() * 100.0);
+}
+
+class MenuActionEndToEnd : public SimWorld {
 protected:
-    QTemporaryDir dir;
-    SimProcess sim{dir.path()};
-
-    void SetUp() override
-    {
-        ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
-        QFile param(dir.filePath(QStringLiteral("param.ini")));
-        ASSERT_TRUE(param.open(QIODevice::WriteOnly));
-        // [AutoStar] is passed over: a run of one action never starts polling.
-        param.write(QStringLiteral("[port] %1\r\n[baud] 9600\r\n[file] print\r\n[multi type] true\r\n"
-                                   "[AutoStar]=yes\r\n")
-                        .arg(sim.portField())
-                        .toLatin1());
-    }
-
-    KerbanoRun run(const QStringList& arguments)
-    {
-        return runKerbanoHeadless(dir.path(), arguments, kRunTimeoutMs);
-    }
+    void SetUp() override { startRegister(); }
 };
 } // namespace
 
 TEST_F(MenuActionEndToEnd, VersionInfoFindsTheRegisterAsksItsVersionsAndEnds)
 {
-    const KerbanoRun ver = run({QStringLiteral("--run"), QStringLiteral("Ver")});
+    writeParams(u"[AutoStar]=yes\r\n"_s); // passed over: a run of one action never starts polling
+    const KerbanoRun ver = runAction(u"Ver"_s);
     ASSERT_TRUE(ver.finished);
     EXPECT_EQ(ver.exitCode, 0) << ver.err.toStdString();
     const QString out = QString::fromUtf8(ver.out);
-    EXPECT_TRUE(out.contains(QStringLiteral("Φορολογικός Εκτυπωτής ON-Line, Έτοιμος Για Εκτυπωσεις\n")))
-        << out.toStdString();
-    EXPECT_FALSE(out.contains(QStringLiteral("Αναμονη Για Στοιχεια"))) << out.toStdString();
+    EXPECT_TRUE(out.contains(u"Φορολογικός Εκτυπωτής ON-Line, Έτοιμος Για Εκτυπωσεις\n"_s)) << out.toStdString();
+    EXPECT_FALSE(out.contains(u"Αναμονη Για Στοιχεια"_s)) << out.toStdString();
     const QString err = QString::fromUtf8(ver.err);
-    EXPECT_TRUE(err.contains(QStringLiteral("Version POS                : "))) << err.toStdString();
-    EXPECT_TRUE(err.contains(QStringLiteral("Version Πρωτοκόλλου : "))) << err.toStdString();
+    EXPECT_TRUE(err.contains(u"Version POS                : "_s)) << err.toStdString();
+    EXPECT_TRUE(err.contains(u"Version Πρωτοκόλλου : "_s)) << err.toStdString();
     const QStringList heard = sim.journalCommands();
     ASSERT_FALSE(heard.isEmpty());
-    EXPECT_EQ(heard.first(), QStringLiteral("a/"));
-    EXPECT_EQ(heard.last(), QStringLiteral("v/"));
-    EXPECT_EQ(heard.count(QStringLiteral("v/")), 1);
+    EXPECT_EQ(heard.first(), u"a/"_s);
+    EXPECT_EQ(heard.last(), u"v/"_s);
+    EXPECT_EQ(heard.count(u"v/"_s), 1);
 }
 
 TEST_F(MenuActionEndToEnd, TheFinancialXRunsTheReportAndLeavesTheReadyTextOnTheDisplay)
 {
-    const KerbanoRun x = run({QStringLiteral("--run"), QStringLiteral("xrep0")});
+    writeParams();
+    const KerbanoRun x = runAction(u"xrep0"_s);
     ASSERT_TRUE(x.finished);
     EXPECT_EQ(x.exitCode, 0) << x.err.toStdString();
-    EXPECT_TRUE(QString::fromUtf8(x.out).contains(QStringLiteral("Το Ισοζυγειο ολοκληρωθηκε\n")));
+    EXPECT_TRUE(QString::fromUtf8(x.out).contains(u"Το Ισοζυγειο ολοκληρωθηκε\n"_s));
     const QStringList heard = sim.journalCommands();
     ASSERT_GE(heard.size(), 3);
     EXPECT_EQ(heard.mid(heard.size() - 3),
@@ -69,13 +54,86 @@ TEST_F(MenuActionEndToEnd, TheFinancialXRunsTheReportAndLeavesTheReadyTextOnTheD
 
 TEST_F(MenuActionEndToEnd, AnActionNotYetBuiltSaysSoEndsNonZeroAndLeavesTheRegisterAlone)
 {
+    writeParams();
     // The answer is the option's own, never the system's command line.
-    const KerbanoRun zfile = run({QStringLiteral("--run"), QStringLiteral("help_text"), QStringLiteral("--answer"),
-                                  QStringLiteral("2")});
-    ASSERT_TRUE(zfile.finished);
-    EXPECT_EQ(zfile.exitCode, 3);
-    EXPECT_TRUE(QString::fromUtf8(zfile.err).contains(QStringLiteral("Η λειτουργία Ρυθμίσεις δεν είναι ακόμη διαθέσιμη.")))
-        << zfile.err.toStdString();
-    EXPECT_TRUE(zfile.out.isEmpty()) << zfile.out.toStdString();
+    const KerbanoRun help = runAction(u"help_text"_s, {u"2"_s});
+    ASSERT_TRUE(help.finished);
+    EXPECT_EQ(help.exitCode, 3);
+    EXPECT_TRUE(QString::fromUtf8(help.err).contains(u"Η λειτουργία Ρυθμίσεις δεν είναι ακόμη διαθέσιμη."_s))
+        << help.err.toStdString();
+    EXPECT_TRUE(help.out.isEmpty()) << help.out.toStdString();
     EXPECT_TRUE(sim.journalCommands().isEmpty());
+}
+
+TEST_F(MenuActionEndToEnd, TheZOfADayOfThreeReceiptsLeavesAZFileWithTheDaysFigures)
+{
+    for (int i = 0; i < kReceipts; ++i)
+        print(sampleReceipt());
+    writeParams(u"[ZeMail  ]=1\r\n"_s);
+    const int before = int(sim.journalCommands().size());
+
+    const KerbanoRun z = runAction(u"zrep021"_s);
+    ASSERT_TRUE(z.finished);
+    EXPECT_EQ(z.exitCode, 0) << z.err.toStdString();
+    const QString out = QString::fromUtf8(z.out);
+    EXPECT_TRUE(out.contains(u"Το Ισοζύγιο ολοκληρώθηκε\n"_s)) << out.toStdString();
+    EXPECT_TRUE(out.contains(u"Επιτυχής δημιουργία του αρχείου 'Ζ'\n"_s)) << out.toStdString();
+
+    // One Z, then the Z file's queries; the Z is never sent twice.
+    const QStringList heard = sim.journalCommands(before);
+    EXPECT_EQ(heard.count(u"x/7///"_s), 1);
+    ASSERT_GE(heard.size(), kZFileQueries);
+    EXPECT_EQ(heard.mid(heard.size() - kZFileQueries, 4), (QStringList{"e/", "0/", "i/", "t/"}));
+    EXPECT_EQ(heard.last(), u"s/"_s);
+
+    const QByteArray bytes = readBytes(path(u"Zfiles/Z0001.out"_s));
+    ASSERT_TRUE(bytes.endsWith("\r\n"));
+    const QStringList lines = codepage::fromWin1253(bytes.chopped(2)).split(u"\r\n"_s);
+    ASSERT_GE(lines.size(), 14);
+    EXPECT_TRUE(lines[0].startsWith(u" POS ,  1,"_s)) << lines[0].toStdString();
+    EXPECT_TRUE(lines[1].startsWith(u" REP ,   1,"_s)) << lines[1].toStdString();
+
+    // The figures agree with each other: categories and departments add up to the total.
+    qint64 byCategory = 0, byDepartment = 0, total = -1;
+    QString receipts;
+    for (const QString& line : lines) {
+        const QStringList f = line.split(u',');
+        if (line.startsWith(u" VAT ,"_s))
+            byCategory += cents(f[4]);
+        else if (line.startsWith(u" DEP ,"_s))
+            byDepartment += cents(f[4]);
+        else if (line.startsWith(u" TOT ,"_s))
+            total = cents(f[1]);
+        else if (line.startsWith(u" REC ,"_s))
+            receipts = f[1].trimmed();
+    }
+    EXPECT_GT(total, 0);
+    EXPECT_EQ(total % kReceipts, 0);
+    EXPECT_EQ(byCategory, total);
+    EXPECT_EQ(byDepartment, total);
+    EXPECT_EQ(receipts, QString::number(kReceipts));
+    EXPECT_EQ(lines.last(), u" PO  ,          0.00"_s);
+}
+
+TEST_F(MenuActionEndToEnd, WithZeMailAtZeroTheZLeavesNoZFile)
+{
+    writeParams(u"[ZeMail  ]=0\r\n"_s);
+    const KerbanoRun z = runAction(u"zrep021"_s);
+    ASSERT_TRUE(z.finished);
+    EXPECT_EQ(z.exitCode, 0) << z.err.toStdString();
+    EXPECT_EQ(sim.journalCommands().count(u"x/7///"_s), 1);
+    EXPECT_FALSE(QDir(path(u"Zfiles"_s)).exists());
+}
+
+TEST_F(MenuActionEndToEnd, TheTaxServerSetupProgramsTheRegisterFromTheAnswersGiven)
+{
+    writeParams();
+    const QString key(64, u'A');
+    const KerbanoRun setup = runAction(u"basic_programming"_s, {key, u"1"_s,
+                                       u"http://srv.example/eafdss/myweb/websend.php"_s, u"https://q.example/q1.php"_s});
+    ASSERT_TRUE(setup.finished);
+    EXPECT_EQ(setup.exitCode, 0) << setup.err.toStdString();
+    EXPECT_TRUE(sim.journalCommands().contains(u"]/1/0//http:~~srv.example~eafdss~myweb~websend.php/80/"_s + key
+                                               + u"/https:~~q.example~q1.php/"_s))
+        << sim.journalCommands().join(u'\n').toStdString();
 }

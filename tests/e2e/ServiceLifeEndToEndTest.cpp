@@ -1,38 +1,18 @@
-// kerbano as a service lives: signals at a wait, in the middle of a job and
-// when idle, the wait limit of the command-line life, the communication log
-// and one kerbano per port, against the real executables.
-#include "SimProcess.h"
-#include "shell/CodePage.h"
+// kerbano as a service lives: a wrong start, signals at a wait, in the middle
+// of a job and when idle, the wait limit of the command-line life, the
+// communication log and one kerbano per port, against the real executables.
+#include "SimWorld.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QThread>
-#include <gtest/gtest.h>
 
 #ifdef Q_OS_UNIX
 #include <csignal>
+#endif
 
 namespace {
-constexpr int kStartMs = 5000;
-constexpr int kEventMs = 20000;
-const char kFlags[] = "1110111";
-
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
+constexpr int kEventMs = KerbanoProcess::kEventMs;
 
 // A print file of count items, each one line.
 QByteArray itemsPrintFile(int count)
@@ -40,103 +20,22 @@ QByteArray itemsPrintFile(int count)
     QByteArray file = "resFile:  result.txt\r\ntag:  SIG\r\n";
     for (int i = 0; i < count; ++i)
         file += codepage::toWin1253(
-            QStringLiteral(" PLU 5200000000011 ΝΕΡΟ 500ML                        1       0.50   13.00  2\r\n"));
-    file += codepage::toWin1253(QStringLiteral(" tot   1       0.00ΜΕΤΡΗΤΑ\r\n"));
+            u" PLU 5200000000011 ΝΕΡΟ 500ML                        1       0.50   13.00  2\r\n"_s);
+    file += codepage::toWin1253(u" tot   1       0.00ΜΕΤΡΗΤΑ\r\n"_s);
     return file;
 }
 
-// One kerbano --headless, watched while it runs and signalled at will.
-class LiveKerbano {
-public:
-    LiveKerbano(const QString& workDir, const QStringList& arguments)
-    {
-        process_.setWorkingDirectory(workDir);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
-        process_.setProcessEnvironment(environment);
-        process_.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"),
-                       QStringList{QStringLiteral("--headless")} + arguments);
-        started_ = process_.waitForStarted(kStartMs);
-    }
-    ~LiveKerbano()
-    {
-        if (process_.state() != QProcess::NotRunning) {
-            process_.kill();
-            process_.waitForFinished(kStartMs);
-        }
-    }
-
-    bool started() const { return started_; }
-    // Waits until stdout or stderr holds text; false when it never came.
-    bool waitFor(const QString& text, int timeoutMs = kEventMs)
-    {
-        const QDeadlineTimer deadline(timeoutMs);
-        while (!said().contains(text)) {
-            if (process_.state() == QProcess::NotRunning || deadline.hasExpired())
-                return false;
-            process_.waitForReadyRead(100);
-            take();
-        }
-        return true;
-    }
-    void signal(int number) { ::kill(pid_t(process_.processId()), number); }
-    bool running() { return process_.state() == QProcess::Running; }
-    // True when it ended in time; the exit code, or -1 for a death by signal.
-    bool waitEnd(int timeoutMs = kEventMs)
-    {
-        const bool ended = process_.waitForFinished(timeoutMs);
-        take();
-        return ended;
-    }
-    int exitCode() const
-    {
-        return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
-    }
-    QString said() const { return QString::fromUtf8(out_ + err_); }
-    QString err() const { return QString::fromUtf8(err_); }
-
-private:
-    void take()
-    {
-        out_ += process_.readAllStandardOutput();
-        err_ += process_.readAllStandardError();
-    }
-
-    QProcess process_;
-    bool started_ = false;
-    QByteArray out_;
-    QByteArray err_;
-};
-
-class ServiceLifeEndToEnd : public ::testing::Test {
+class ServiceLifeEndToEnd : public SimWorld {
 protected:
-    void SetUp() override { ASSERT_TRUE(dir.isValid()); }
-
-    QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
-    void startRegister(const QByteArray& faults)
-    {
-        ASSERT_TRUE(writeBytes(path(QStringLiteral("faults.txt")), faults));
-        sim.setExtraArguments({QStringLiteral("--faults"), path(QStringLiteral("faults.txt"))});
-        ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
-    }
-    QString commandLine() const
-    {
-        return QStringLiteral("%1,9600,print.txt,0,TECFP,%2").arg(sim.portField(), kFlags);
-    }
-    QStringList resultLines() const
-    {
-        return codepage::fromWin1253(readBytes(path(QStringLiteral("result.txt"))))
-            .split(QStringLiteral("\r\n"));
-    }
     // Whether a payment went out once the items had begun (the opening
     // sends one of nothing before them).
     bool paidAfterTheItems() const
     {
         const QStringList commands = sim.journalCommands();
-        const qsizetype first = commands.indexOf(QRegularExpression(QStringLiteral("^3/S/")));
+        const qsizetype first = commands.indexOf(QRegularExpression(u"^3/S/"_s));
         for (qsizetype i = first; first >= 0 && i < commands.size(); ++i) {
             // "5/99/" is the closing's question about card payments.
-            if (commands[i].startsWith(QStringLiteral("5/")) && !commands[i].startsWith(QStringLiteral("5/99/")))
+            if (commands[i].startsWith(u"5/"_s) && !commands[i].startsWith(u"5/99/"_s))
                 return true;
         }
         return false;
@@ -148,11 +47,57 @@ protected:
             n += command.startsWith(prefix);
         return n;
     }
-
-    QTemporaryDir dir;
-    SimProcess sim{dir.path()};
 };
 
+} // namespace
+
+// The lives that end before any register is found.
+TEST_F(ServiceLifeEndToEnd, AWrongCommandLineOrNoParamFileEndsAtOnceAndAFailedLinkStaysUp)
+{
+    const KerbanoRun wrong = runKerbanoHeadless(dir.path(), u"com1,9600,p.txt,0,TECFP,111111"_s, kEventMs);
+    EXPECT_NE(wrong.exitCode, 0);
+    EXPECT_TRUE(wrong.out.isEmpty()) << wrong.out.toStdString();
+    EXPECT_TRUE(wrong.err.isEmpty()) << wrong.err.toStdString();
+
+    const KerbanoRun noParams = runKerbanoHeadless(dir.path(), QStringList(), kEventMs);
+    EXPECT_EQ(noParams.exitCode, 1);
+    EXPECT_TRUE(noParams.err.contains("param.ini")) << noParams.err.toStdString();
+
+    ASSERT_TRUE(writeBytes(path(u"param.ini"_s),
+                           "[port] /dev/nosuchport\r\n[baud] 9600\r\n[file] print\r\n[multi type] true\r\n"));
+    KerbanoProcess kerbano(dir.path(), {});
+    ASSERT_TRUE(kerbano.waitFor(u"Λάθος : -1 - Πρόβλημα στην Θύρα :/dev/nosuchport"_s)) << kerbano.said().toStdString();
+    EXPECT_TRUE(kerbano.said().contains(u"Εύρεση Φορολογικής Ταμειακής !!! \n"_s)) << kerbano.said().toStdString();
+    EXPECT_FALSE(kerbano.waitEnd(300)); // the link-failed state waits for the operator
+}
+
+TEST_F(ServiceLifeEndToEnd, ACommandLineWithNoRegisterEndsWithTwoAndKeepsTheFile)
+{
+    QDir(dir.path()).mkpath(u"jobs"_s);
+    ASSERT_TRUE(writeBytes(path(u"jobs/print.txt"_s), "resFile:  jobs\\res.txt\r\ntag:  00417\r\n PLU x\r\n"));
+    const KerbanoRun run = runKerbanoHeadless(dir.path(), u"com99,9600,jobs\\print.txt,0,TECFP,1111111"_s, kEventMs);
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(QFile::exists(path(u"jobs/print.txt"_s)));
+    EXPECT_FALSE(QFile::exists(path(u"jobs/res.txt"_s)));
+    EXPECT_FALSE(QFile::exists(path(u"Result"_s)));
+}
+
+TEST_F(ServiceLifeEndToEnd, RunArgumentsThatNameNoActionEndAtOnceWithStatusOne)
+{
+    const KerbanoRun unknown = runKerbanoHeadless(dir.path(), {u"--run"_s, u"nosuch"_s}, kEventMs);
+    EXPECT_EQ(unknown.exitCode, 1);
+    EXPECT_TRUE(QString::fromUtf8(unknown.err).contains(u"Άγνωστη λειτουργία : nosuch"_s)) << unknown.err.toStdString();
+    EXPECT_TRUE(unknown.out.isEmpty()) << unknown.out.toStdString();
+    for (const QStringList& arguments : {QStringList{u"--run"_s, u"Ver"_s, u"com1,9600,p.txt,0,TECFP,1111111"_s},
+                                         QStringList{u"--run"_s}}) {
+        const KerbanoRun run = runKerbanoHeadless(dir.path(), arguments, kEventMs);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_FALSE(run.err.isEmpty());
+    }
+}
+
+#ifdef Q_OS_UNIX
+namespace {
 // The register answers every item with paper end and clears at the first
 // poll: the command-line life would wait, poll and send again for ever.
 const QByteArray kEndlessPaperEnd = "/^3\\/S/ : code 2C\n";
@@ -160,12 +105,12 @@ const QByteArray kEndlessPaperEnd = "/^3\\/S/ : code 2C\n";
 TEST_F(ServiceLifeEndToEnd, SigtermAtAWaitEndsItWithoutSendingAgainAndClosesTheResultFile)
 {
     startRegister(kEndlessPaperEnd);
-    ASSERT_TRUE(writeBytes(path(QStringLiteral("print.txt")), itemsPrintFile(3)));
-    LiveKerbano kerbano(dir.path(), {QStringLiteral("--wait-limit"), QStringLiteral("0"), commandLine()});
+    ASSERT_TRUE(writeBytes(path(u"print.txt"_s), itemsPrintFile(3)));
+    KerbanoProcess kerbano(dir.path(), {u"--wait-limit"_s, u"0"_s, commandLine()});
     ASSERT_TRUE(kerbano.started());
     // The wait is announced with its level, then it goes on until told.
-    ASSERT_TRUE(kerbano.waitFor(QStringLiteral("warning: [Μήνυμα Ταμειακής ("))) << kerbano.said().toStdString();
-    ASSERT_TRUE(kerbano.waitFor(QStringLiteral("Status [44]")));
+    ASSERT_TRUE(kerbano.waitFor(u"warning: [Μήνυμα Ταμειακής ("_s)) << kerbano.said().toStdString();
+    ASSERT_TRUE(kerbano.waitFor(u"Status [44]"_s));
     QThread::msleep(2500); // a poll and a resend or two
     kerbano.signal(SIGTERM);
 
@@ -173,40 +118,39 @@ TEST_F(ServiceLifeEndToEnd, SigtermAtAWaitEndsItWithoutSendingAgainAndClosesTheR
     EXPECT_EQ(kerbano.exitCode(), 0) << kerbano.said().toStdString();
     const QStringList lines = resultLines();
     ASSERT_GE(lines.size(), 4) << lines.join('|').toStdString();
-    EXPECT_EQ(lines[lines.size() - 3], QStringLiteral("stopped = signal"));
-    EXPECT_EQ(lines[lines.size() - 2], QStringLiteral("exitcode = 0"));
-    EXPECT_TRUE(lines[2].startsWith(QStringLiteral("Err = 44, [3/S/"))) << lines.join('|').toStdString();
+    EXPECT_EQ(lines[lines.size() - 3], u"stopped = signal"_s);
+    EXPECT_EQ(lines[lines.size() - 2], u"exitcode = 0"_s);
+    EXPECT_TRUE(lines[2].startsWith(u"Err = 44, [3/S/"_s)) << lines.join('|').toStdString();
     // Each item sent had its window; none went out after the last one.
-    EXPECT_EQ(journalCount(QStringLiteral("3/S/")),
-              int(kerbano.err().count(QStringLiteral("[Μήνυμα Ταμειακής ("))));
+    EXPECT_EQ(journalCount(u"3/S/"_s), int(kerbano.err().count(u"[Μήνυμα Ταμειακής ("_s)));
     EXPECT_FALSE(paidAfterTheItems()) << "the job stopped before its payment";
 }
 
 TEST_F(ServiceLifeEndToEnd, TheWaitLimitStopsTheJobAndTheExitStatusSaysSo)
 {
     startRegister(kEndlessPaperEnd);
-    ASSERT_TRUE(writeBytes(path(QStringLiteral("print.txt")), itemsPrintFile(2)));
-    LiveKerbano kerbano(dir.path(), {QStringLiteral("--wait-limit"), QStringLiteral("3"), commandLine()});
+    ASSERT_TRUE(writeBytes(path(u"print.txt"_s), itemsPrintFile(2)));
+    KerbanoProcess kerbano(dir.path(), {u"--wait-limit"_s, u"3"_s, commandLine()});
     ASSERT_TRUE(kerbano.started());
 
     ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
     EXPECT_EQ(kerbano.exitCode(), 3) << kerbano.said().toStdString();
     const QStringList lines = resultLines();
     ASSERT_GE(lines.size(), 4);
-    EXPECT_EQ(lines[lines.size() - 3], QStringLiteral("stopped = wait limit"));
-    EXPECT_EQ(lines[lines.size() - 2], QStringLiteral("exitcode = 0"));
-    EXPECT_GT(journalCount(QStringLiteral("3/S/")), 1) << "sent again while within the limit";
+    EXPECT_EQ(lines[lines.size() - 3], u"stopped = wait limit"_s);
+    EXPECT_EQ(lines[lines.size() - 2], u"exitcode = 0"_s);
+    EXPECT_GT(journalCount(u"3/S/"_s), 1) << "sent again while within the limit";
     EXPECT_FALSE(paidAfterTheItems()) << "the job stopped before its payment";
-    EXPECT_TRUE(kerbano.err().contains(QStringLiteral("error: Η ταμειακή έμεινε απασχολημένη")));
+    EXPECT_TRUE(kerbano.err().contains(u"error: Η ταμειακή έμεινε απασχολημένη"_s));
 }
 
 TEST_F(ServiceLifeEndToEnd, AWaitLimitThatIsNoNumberOfSecondsEndsAtOnce)
 {
-    for (const QString& value : {QStringLiteral("-1"), QStringLiteral("5s")}) {
-        LiveKerbano kerbano(dir.path(), {QStringLiteral("--wait-limit"), value, QStringLiteral("com1,9600,p.txt,0,TECFP,1110111")});
+    for (const QString& value : {u"-1"_s, u"5s"_s}) {
+        KerbanoProcess kerbano(dir.path(), {u"--wait-limit"_s, value, u"com1,9600,p.txt,0,TECFP,1110111"_s});
         ASSERT_TRUE(kerbano.waitEnd());
         EXPECT_EQ(kerbano.exitCode(), 1);
-        EXPECT_TRUE(kerbano.err().contains(QStringLiteral("Λάθος τιμή του --wait-limit : ") + value))
+        EXPECT_TRUE(kerbano.err().contains(u"Λάθος τιμή του --wait-limit : "_s + value))
             << kerbano.said().toStdString();
     }
 }
@@ -214,60 +158,59 @@ TEST_F(ServiceLifeEndToEnd, AWaitLimitThatIsNoNumberOfSecondsEndsAtOnce)
 TEST_F(ServiceLifeEndToEnd, SigintMidJobStopsAtALineBoundaryWithEveryExchangeWhole)
 {
     startRegister("/^3\\/S/ : delay 150\n");
-    ASSERT_TRUE(writeBytes(path(QStringLiteral("print.txt")), itemsPrintFile(60)));
-    LiveKerbano kerbano(dir.path(), {QStringLiteral("--log"), commandLine()});
+    ASSERT_TRUE(writeBytes(path(u"print.txt"_s), itemsPrintFile(60)));
+    KerbanoProcess kerbano(dir.path(), {u"--log"_s, commandLine()});
     ASSERT_TRUE(kerbano.started());
-    ASSERT_TRUE(kerbano.waitFor(QStringLiteral("Εκτύπωση Ενεργή")));
+    ASSERT_TRUE(kerbano.waitFor(u"Εκτύπωση Ενεργή"_s));
     QThread::msleep(1000);
     kerbano.signal(SIGINT);
 
     ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
     EXPECT_EQ(kerbano.exitCode(), 0) << kerbano.said().toStdString();
-    const int items = journalCount(QStringLiteral("3/S/"));
+    const int items = journalCount(u"3/S/"_s);
     EXPECT_GT(items, 0);
     EXPECT_LT(items, 60);
     EXPECT_FALSE(paidAfterTheItems());
     const QStringList lines = resultLines();
     ASSERT_GE(lines.size(), 3);
-    EXPECT_EQ(lines[lines.size() - 3], QStringLiteral("stopped = signal"));
-    EXPECT_EQ(lines[lines.size() - 2], QStringLiteral("exitcode = 0"));
+    EXPECT_EQ(lines[lines.size() - 3], u"stopped = signal"_s);
+    EXPECT_EQ(lines[lines.size() - 2], u"exitcode = 0"_s);
 
     // --log: the exchanges in kerbanoLog.txt, each send with its reply.
-    const QString log = codepage::fromWin1253(readBytes(path(QStringLiteral("kerbanoLog.txt"))));
+    const QString log = codepage::fromWin1253(readBytes(path(u"kerbanoLog.txt"_s)));
     ASSERT_FALSE(log.isEmpty()) << "no communication log";
-    EXPECT_EQ(log.count(QStringLiteral(" send:     3/S/")), items);
-    EXPECT_EQ(log.count(QStringLiteral(" send:     ")), log.count(QStringLiteral(" reply     ")));
-    EXPECT_EQ(log.count(QStringLiteral(" send:     ")), int(sim.journalCommands().size()));
+    EXPECT_EQ(log.count(u" send:     3/S/"_s), items);
+    EXPECT_EQ(log.count(u" send:     "_s), log.count(u" reply     "_s));
+    EXPECT_EQ(log.count(u" send:     "_s), int(sim.journalCommands().size()));
 }
 
 TEST_F(ServiceLifeEndToEnd, IdleSurvivesSighupAndEndsOnSigtermASecondInstanceOnThePortEnds)
 {
     startRegister("");
-    ASSERT_TRUE(QDir(dir.path()).mkpath(QStringLiteral("in")));
+    ASSERT_TRUE(QDir(dir.path()).mkpath(u"in"_s));
     const QByteArray params = "[port] " + sim.portField().toLatin1()
         + "\r\n[baud] 9600\r\n[file] print\r\n[location] in\\\r\n[ecrt] TECFP\r\n"
           "[multi type] true\r\n[print_desc] true\r\n[print_code] falseN\r\n[comments] true\r\n"
           "[currency]=0\r\n[AutoStar]=yes\r\n";
-    ASSERT_TRUE(writeBytes(path(QStringLiteral("param.ini")), params));
-    LiveKerbano kerbano(dir.path(), {});
+    ASSERT_TRUE(writeBytes(path(u"param.ini"_s), params));
+    KerbanoProcess kerbano(dir.path(), {});
     ASSERT_TRUE(kerbano.started());
-    ASSERT_TRUE(kerbano.waitFor(QStringLiteral("Αναμονη Για Στοιχεια"))) << kerbano.said().toStdString();
+    ASSERT_TRUE(kerbano.waitFor(u"Αναμονη Για Στοιχεια"_s)) << kerbano.said().toStdString();
 
     {
-        LiveKerbano second(dir.path(), {commandLine()});
+        KerbanoProcess second(dir.path(), {commandLine()});
         ASSERT_TRUE(second.waitEnd());
         EXPECT_EQ(second.exitCode(), 6); // another kerbano holds the port
-        EXPECT_TRUE(second.err().contains(QStringLiteral("χρησιμοποιείται ήδη από άλλο kerbano")))
-            << second.said().toStdString();
+        EXPECT_TRUE(second.err().contains(u"χρησιμοποιείται ήδη από άλλο kerbano"_s)) << second.said().toStdString();
     }
 
     kerbano.signal(SIGHUP);
     EXPECT_FALSE(kerbano.waitEnd(1500)) << "SIGHUP only reads param.ini again";
-    ASSERT_TRUE(writeBytes(path(QStringLiteral("in/print.1")), itemsPrintFile(1)));
+    ASSERT_TRUE(writeBytes(path(u"in/print.1"_s), itemsPrintFile(1)));
     const QDeadlineTimer printed(kEventMs);
-    while (QFile::exists(path(QStringLiteral("in/print.1"))) && !printed.hasExpired())
+    while (QFile::exists(path(u"in/print.1"_s)) && !printed.hasExpired())
         kerbano.waitEnd(100);
-    EXPECT_FALSE(QFile::exists(path(QStringLiteral("in/print.1")))) << "still polling after SIGHUP";
+    EXPECT_FALSE(QFile::exists(path(u"in/print.1"_s))) << "still polling after SIGHUP";
 
     const int commandsBefore = int(sim.journalCommands().size());
     kerbano.signal(SIGTERM);
@@ -281,10 +224,10 @@ TEST_F(ServiceLifeEndToEnd, IdleSurvivesSighupAndEndsOnSigtermASecondInstanceOnT
 TEST_F(ServiceLifeEndToEnd, ASecondSignalEndsAtOnceInTheMiddleOfAnExchange)
 {
     startRegister("/^3\\/S/ : silent\n");
-    ASSERT_TRUE(writeBytes(path(QStringLiteral("print.txt")), itemsPrintFile(1)));
-    LiveKerbano kerbano(dir.path(), {commandLine()});
+    ASSERT_TRUE(writeBytes(path(u"print.txt"_s), itemsPrintFile(1)));
+    KerbanoProcess kerbano(dir.path(), {commandLine()});
     ASSERT_TRUE(kerbano.started());
-    ASSERT_TRUE(kerbano.waitFor(QStringLiteral("Εκτύπωση Ενεργή")));
+    ASSERT_TRUE(kerbano.waitFor(u"Εκτύπωση Ενεργή"_s));
     QThread::msleep(500);
     kerbano.signal(SIGTERM);
     EXPECT_FALSE(kerbano.waitEnd(1000)) << "the first waits for the register's answer";

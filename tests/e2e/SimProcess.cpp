@@ -8,6 +8,8 @@
 #include <QTcpSocket>
 #include <QThread>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 const QString kSimProgram = QStringLiteral(KERBANO_BIN_DIR "/kerbano-ecr-sim");
 constexpr int kStartMs = 5000;
@@ -16,8 +18,7 @@ constexpr int kLowestPort = 20000;
 constexpr int kHighestPort = 32000; // kerbano refuses ports above 32767
 } // namespace
 
-SimProcess::SimProcess(QString workDir)
-    : m_workDir(std::move(workDir))
+SimProcess::SimProcess(QString workDir) : m_workDir(std::move(workDir))
 {
 }
 
@@ -28,24 +29,24 @@ SimProcess::~SimProcess()
 
 QString SimProcess::journalPath() const
 {
-    return QDir(m_workDir).filePath(QStringLiteral("journal.txt"));
+    return QDir(m_workDir).filePath(u"journal.txt"_s);
 }
 
 QString SimProcess::tapePath() const
 {
-    return QDir(m_workDir).filePath(QStringLiteral("tape.txt"));
+    return QDir(m_workDir).filePath(u"tape.txt"_s);
 }
 
 bool SimProcess::startTcp()
 {
     for (int attempt = 0; attempt < kPortTries; ++attempt) {
         const int port = kLowestPort + QRandomGenerator::global()->bounded(kHighestPort - kLowestPort);
-        const QString address = QStringLiteral("127.0.0.1:%1").arg(port);
-        if (!start({QStringLiteral("--tcp"), address}))
+        const QString address = u"127.0.0.1:%1"_s.arg(port);
+        if (!start({u"--tcp"_s, address}))
             continue;
         // Ready is not enough: the register must take a connection.
         QTcpSocket probe;
-        probe.connectToHost(QStringLiteral("127.0.0.1"), quint16(port));
+        probe.connectToHost(u"127.0.0.1"_s, quint16(port));
         if (probe.waitForConnected(kStartMs)) {
             probe.disconnectFromHost();
             if (probe.state() != QAbstractSocket::UnconnectedState)
@@ -61,14 +62,14 @@ bool SimProcess::startTcp()
 
 bool SimProcess::startPty(int baud)
 {
-    const QString link = QDir(m_workDir).filePath(QStringLiteral("ecr"));
-    if (!start({QStringLiteral("--pty"), link, QStringLiteral("--baud"), QString::number(baud)}))
+    const QString link = QDir(m_workDir).filePath(u"ecr"_s);
+    if (!start({u"--pty"_s, link, u"--baud"_s, QString::number(baud)}))
         return false;
     // The driver takes a "/dev/" path as a serial device, so it is given the
     // pseudo-terminal itself rather than the link in the temporary directory.
     m_portField = QFileInfo(link).symLinkTarget();
-    if (!m_portField.startsWith(QStringLiteral("/dev/"))) {
-        m_error = QStringLiteral("no pseudo-terminal behind ") + link;
+    if (!m_portField.startsWith(u"/dev/"_s)) {
+        m_error = u"no pseudo-terminal behind "_s + link;
         return false;
     }
     return true;
@@ -81,8 +82,7 @@ bool SimProcess::start(const QStringList& wireArgs)
     m_process->setWorkingDirectory(m_workDir);
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
     m_process->setReadChannel(QProcess::StandardError);
-    m_process->start(kSimProgram, wireArgs + QStringList{QStringLiteral("--journal"), journalPath(),
-                                                         QStringLiteral("--tape"), tapePath()}
+    m_process->start(kSimProgram, wireArgs + QStringList{u"--journal"_s, journalPath(), u"--tape"_s, tapePath()}
                                         + m_memoryArguments + m_extraArguments);
     if (!m_process->waitForStarted(kStartMs)) {
         m_error = m_process->errorString();
@@ -155,6 +155,6 @@ QStringList SimProcess::journalCommands(int fromLine) const
     QStringList commands;
     const QStringList lines = journalLines();
     for (int i = fromLine; i < lines.size(); ++i)
-        commands << lines[i].section(QStringLiteral(" -> "), 0, 0);
+        commands << lines[i].section(u" -> "_s, 0, 0);
     return commands;
 }

@@ -2,68 +2,40 @@
 // virtual register, one print file a job: after every job the order store's
 // rows and what the register holds on each table touched are the same items.
 
-#include "KerbanoRun.h"
-#include "PrintQString.h"
-#include "SimProcess.h"
-#include "shell/CodePage.h"
+#include "SimWorld.h"
 
-#include <QDir>
-#include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTcpSocket>
-#include <QTemporaryDir>
 #include <QUuid>
-#include <gtest/gtest.h>
 
 #include <set>
 #include <tuple>
 
 namespace {
-constexpr int kJobTimeoutMs = 30000;
 constexpr int kReplyWaitMs = 5000;
 constexpr int kReplySilenceMs = 300;
-const QString kFlags = QStringLiteral("0,TECFP,1110111");
 
 // An item as both sides name it: its identifier and its line order.
 using Item = std::tuple<int, int>;
 
 QString pluLine(const QString& description, const QString& quantity, const QString& price)
 {
-    return QStringLiteral(" PLU 5201234567890 ") + description.leftJustified(28, QLatin1Char(' '))
-        + quantity.rightJustified(7, QLatin1Char(' ')) + QStringLiteral("  ")
-        + price.rightJustified(9, QLatin1Char(' ')) + QStringLiteral("   13.00  2");
+    return u" PLU 5201234567890 "_s + description.leftJustified(28, u' ') + quantity.rightJustified(7, u' ')
+        + u"  "_s + price.rightJustified(9, u' ') + u"   13.00  2"_s;
 }
 
-QByteArray printFile(const QStringList& lines)
-{
-    return codepage::toWin1253(QStringLiteral("resFile:  result.txt\r\ntag:  T1\r\n") + lines.join(QStringLiteral("\r\n"))
-                               + QStringLiteral("\r\n"));
-}
-
-class TablesEndToEnd : public ::testing::Test {
+class TablesEndToEnd : public SimWorld {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(dir.isValid());
-        ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
-    }
+    void SetUp() override { startRegister(); }
 
-    QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
-
+    // One print file a job; its result file.
     QString print(const QStringList& lines)
     {
-        QFile::remove(path("result.txt"));
-        QFile file(path("print.txt"));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(printFile(lines));
-        file.close();
-        const KerbanoRun run = runKerbanoHeadless(
-            dir.path(), QStringLiteral("%1,9600,print.txt,%2").arg(sim.portField(), kFlags), kJobTimeoutMs);
-        EXPECT_TRUE(run.finished) << "kerbano did not end";
-        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-        QFile result(path("result.txt"));
-        return result.open(QIODevice::ReadOnly) ? codepage::fromWin1253(result.readAll()) : QString();
+        QFile::remove(path(u"result.txt"_s));
+        SimWorld::print(codepage::toWin1253(u"resFile:  result.txt\r\ntag:  T1\r\n"_s + lines.join(u"\r\n"_s)
+                                            + u"\r\n"_s));
+        return codepage::fromWin1253(readBytes(path(u"result.txt"_s)));
     }
 
     // What the register holds on table, asked on its wire by the test itself.
@@ -73,7 +45,7 @@ protected:
         const QString address = sim.portField();
         socket.connectToHost(address.section(':', 0, 0), quint16(address.section(':', 1).toInt()));
         EXPECT_TRUE(socket.waitForConnected(kReplyWaitMs));
-        socket.write(codepage::toWin1253(QStringLiteral("&/11/%1//0/0///////////").arg(table)));
+        socket.write(codepage::toWin1253(u"&/11/%1//0/0///////////"_s.arg(table)));
         QByteArray reply;
         if (socket.waitForReadyRead(kReplyWaitMs)) {
             reply += socket.readAll();
@@ -101,11 +73,11 @@ protected:
         EXPECT_EQ(stores.size(), 1) << stores.join(", ").toStdString();
         const QString name = QUuid::createUuid().toString();
         {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
             db.setDatabaseName(path(stores.first()));
             EXPECT_TRUE(db.open());
             QSqlQuery query(db);
-            query.prepare(QStringLiteral("SELECT itemUID, tableORDER FROM ecrOrders WHERE tableNUM = ?"));
+            query.prepare(u"SELECT itemUID, tableORDER FROM ecrOrders WHERE tableNUM = ?"_s);
             query.addBindValue(table);
             EXPECT_TRUE(query.exec());
             while (query.next())
@@ -120,33 +92,29 @@ protected:
         for (const int table : tables)
             EXPECT_EQ(storeItems(table), registerItems(table)) << "table " << table << " after " << after;
     }
-
-    QTemporaryDir dir;
-    SimProcess sim{dir.path()};
 };
 
 } // namespace
 
 TEST_F(TablesEndToEnd, OpenedFilledMovedAndSettledInPartsOverThreeFiles)
 {
-    const QString first = print({QStringLiteral(" TBO  005 ΚΗΠΟΣ~ΠΑΡΕΑ"), pluLine("ΣΟΥΒΛΑΚΙ", "2", "3.50"),
+    const QString first = print({u" TBO  005 ΚΗΠΟΣ~ΠΑΡΕΑ"_s, pluLine("ΣΟΥΒΛΑΚΙ", "2", "3.50"),
                                  pluLine("ΝΕΡΟ", "1", "0.50"), pluLine("ΝΕΡΟ", "1", "0.50"),
                                  pluLine("ΜΠΥΡΑ", "2", "4.35"), pluLine("ΝΕΡΟ", "-1", "0.50"),
-                                 QStringLiteral(" TBC 5")});
+                                 u" TBC 5"_s});
     EXPECT_FALSE(first.contains("Err = ")) << first.toStdString();
     EXPECT_EQ(registerItems(5).size(), 3u);
     expectInStep({5}, "the first visit");
 
-    const QString second = print({QStringLiteral(" TBO  005"), pluLine("ΣΑΛΑΤΑ", "1", "6.00"),
-                                  QStringLiteral(" TBC 5"), QStringLiteral(" TBT  005 007")});
+    const QString second = print({u" TBO  005"_s, pluLine("ΣΑΛΑΤΑ", "1", "6.00"), u" TBC 5"_s, u" TBT  005 007"_s});
     EXPECT_FALSE(second.contains("Err = ")) << second.toStdString();
     EXPECT_TRUE(registerItems(5).empty());
     EXPECT_EQ(registerItems(7).size(), 4u);
     expectInStep({5, 7}, "the move");
 
-    const QString third = print({QStringLiteral(" TBS  007"), pluLine("ΜΠΥΡΑ", "2", "4.35"),
-                                 pluLine("ΣΑΛΑΤΑ", "1", "6.00"), QStringLiteral(" pay  01"),
-                                 QStringLiteral(" ltb  001-010")});
+    const QString third = print({u" TBS  007"_s, pluLine("ΜΠΥΡΑ", "2", "4.35"),
+                                 pluLine("ΣΑΛΑΤΑ", "1", "6.00"), u" pay  01"_s,
+                                 u" ltb  001-010"_s});
     EXPECT_FALSE(third.contains("Err = ")) << third.toStdString();
     EXPECT_TRUE(third.contains("tblList   = 7\r\n")) << third.toStdString();
     EXPECT_EQ(registerItems(7).size(), 2u);
@@ -156,14 +124,13 @@ TEST_F(TablesEndToEnd, OpenedFilledMovedAndSettledInPartsOverThreeFiles)
 
 TEST_F(TablesEndToEnd, AVoidedTableAndAPaidTableLeaveNothingOverTwoFiles)
 {
-    print({QStringLiteral(" TBO  003"), pluLine("ΚΡΑΣΙ", "1", "8.00"), pluLine("ΨΩΜΙ", "1", "1.00"),
-           QStringLiteral(" TBC 3"), QStringLiteral(" TBO  004"), pluLine("ΚΡΑΣΙ", "1", "8.00"),
-           QStringLiteral(" TBC 4")});
+    print({u" TBO  003"_s, pluLine("ΚΡΑΣΙ", "1", "8.00"), pluLine("ΨΩΜΙ", "1", "1.00"),
+           u" TBC 3"_s, u" TBO  004"_s, pluLine("ΚΡΑΣΙ", "1", "8.00"),
+           u" TBC 4"_s});
     expectInStep({3, 4}, "the visits");
     EXPECT_EQ(storeItems(3).size(), 2u);
 
-    const QString second = print({QStringLiteral(" TBO  003"), QStringLiteral(" voi"), QStringLiteral(" TBO  004"),
-                                  QStringLiteral(" tot   1       8.00ΜΕΤΡΗΤΑ")});
+    const QString second = print({u" TBO  003"_s, u" voi"_s, u" TBO  004"_s, u" tot   1       8.00ΜΕΤΡΗΤΑ"_s});
     EXPECT_FALSE(second.contains("Err = ")) << second.toStdString();
     expectInStep({3, 4}, "the void and the payment");
     EXPECT_TRUE(storeItems(3).empty());

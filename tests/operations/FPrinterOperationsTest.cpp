@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 struct RecordingTables final : TableRoads {
@@ -124,7 +126,7 @@ TEST_F(FPrinterOperationsTest, ASaleOnATableIsStoredWithTheRegistersIdentifierAn
     sell("Souvlaki", 3.5, 2, 13, 4);
     ASSERT_EQ(tables.stored.size(), 1);
     const clsTable& item = tables.stored[0];
-    EXPECT_EQ(item.itemDesc(), QStringLiteral("SOUVLAKI").leftJustified(24));
+    EXPECT_EQ(item.itemDesc(), u"SOUVLAKI"_s.leftJustified(24));
     EXPECT_EQ(std::tuple(item.itemUID, item.tableORDER, item.TableNUM, item.itemDep), std::tuple(4711, 3, 12, 4));
     EXPECT_EQ(std::pair(item.itemQuantity, item.itemVatRate), std::pair(2.0, 13.0));
 

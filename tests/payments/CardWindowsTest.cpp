@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 // A register with terminals 2 ("ALPHA") and 12 ("OMEGA") active, 5 inactive,
@@ -29,13 +31,12 @@ protected:
                 const QString t = terminals.value(command.section('/', 2, 2).toInt() - 1);
                 if (t.isEmpty())
                     a.status = 0x05;
-                a.reply = QStringLiteral("00/00/00/") + t + QStringLiteral("/");
+                a.reply = u"00/00/00/"_s + t + u"/"_s;
                 return true;
             }
             if (command.startsWith(QLatin1String("y/"))) {
-                const QString p = payments.value(command.section('/', 1, 1).toInt() - 1,
-                                                 QStringLiteral("-/-/0/0/0"));
-                a.reply = QStringLiteral("00/00/00/") + p + QStringLiteral("/");
+                const QString p = payments.value(command.section('/', 1, 1).toInt() - 1, u"-/-/0/0/0"_s);
+                a.reply = u"00/00/00/"_s + p + u"/"_s;
                 return true;
             }
             return false;
@@ -43,7 +44,7 @@ protected:
     }
 
     QTemporaryDir dir;
-    QString path = dir.filePath(QStringLiteral("payeft.dat"));
+    QString path = dir.filePath(u"payeft.dat"_s);
     ScriptedLink link;
     ScriptedOperator op;
     ModuleVariables vars;

@@ -8,15 +8,16 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
-const QString kQuery = QStringLiteral("5/99/0/ ///1/1/");
+const QString kQuery = u"5/99/0/ ///1/1/"_s;
 
 // The outcome query's reply with one transaction whose terminal text is text.
 QString queryReply(const QString& text)
 {
-    return QStringLiteral("00/00/00/1/1/2/3/10.00/VISA/****1234/123456/0101/05/42/7/978/ACQ/")
-        + text + QStringLiteral("/");
+    return u"00/00/00/1/1/2/3/10.00/VISA/****1234/123456/0101/05/42/7/978/ACQ/"_s + text + u"/"_s;
 }
 
 PayEftRecord cardRecord(qint16 retries, qint16 altPayment)
@@ -48,8 +49,7 @@ protected:
     {
         link.responder = [this](const QString& command, ScriptedLink::Answer& answer) {
             if (command == kQuery) {
-                answer.reply = queryReply(terminal.isEmpty() ? QStringLiteral("APPROVED")
-                                                             : terminal.takeFirst());
+                answer.reply = queryReply(terminal.isEmpty() ? u"APPROVED"_s : terminal.takeFirst());
                 return true;
             }
             if (command.endsWith(QLatin1String("/2/1/"))) {
@@ -66,7 +66,7 @@ protected:
 
 TEST_F(EftCardRoadsTest, AnApprovedCardIsOneCommandSentOnceWithTheLongWaitThenTheQuery)
 {
-    roads.payInReceipt(cardRecord(2, 1), 10.0, QStringLiteral("VISA ΠΕΛΑΤΗ/1"), QStringLiteral("T1"));
+    roads.payInReceipt(cardRecord(2, 1), 10.0, u"VISA ΠΕΛΑΤΗ/1"_s, u"T1"_s);
 
     EXPECT_EQ(link.commands(), (QStringList{"5/3/10.00/VISA ΠΕΛΑΤΗ/1///2/1/", kQuery}));
     const ScriptedLink::Sent& card = link.sent.at(0);
@@ -86,7 +86,7 @@ TEST_F(EftCardRoadsTest, AnApprovedCardIsOneCommandSentOnceWithTheLongWaitThenTh
 TEST_F(EftCardRoadsTest, RetriesRunOutThenTheAlternativePaysAndTheNoticePrintsOnce)
 {
     terminal = {"TRANSACTION WAS DECLINED", "DECLINED BY THE HOST", "COMMUNICATION PROBLEM"};
-    roads.payInReceipt(cardRecord(2, 1), 12.5, QStringLiteral("MASTERCARD ΧΡΥΣΗ"), QStringLiteral("T1"));
+    roads.payInReceipt(cardRecord(2, 1), 12.5, u"MASTERCARD ΧΡΥΣΗ"_s, u"T1"_s);
 
     EXPECT_EQ(count("5/3/12.50/MASTERCARD ΧΡΥΣΗ///2/1/"), 3);
     EXPECT_EQ(count(kQuery), 3);
@@ -97,8 +97,7 @@ TEST_F(EftCardRoadsTest, RetriesRunOutThenTheAlternativePaysAndTheNoticePrintsOn
 
     link.sent.clear();
     roads.PrintPendingPaymentNotice();
-    EXPECT_EQ(link.commands(),
-              (QStringList{"7/0/1/ΕΚΚΡΕΜ. ΠΛΗΡΩΜΕΣ/", "7/0/2/                /", "7/1/2/ΠΡΟΣΟΧΗ!/",
+    EXPECT_EQ(link.commands(), (QStringList{"7/0/1/ΕΚΚΡΕΜ. ΠΛΗΡΩΜΕΣ/", "7/0/2/                /", "7/1/2/ΠΡΟΣΟΧΗ!/",
                            "7/1/1/ Η ΑΠΟΔΕΙΞΗ ΠΕΡΙΕΧΕΙ ΠΛΗΡΩΜΕΣ /",
                            "7/1/1/   ΠΙΣΤ.ΚΑΡΤΩΝ ΠΟΥ ΑΠΕΤΥΧΑΝ/",
                            "7/1/1/ΥΠΑΡΧΕΙ ΥΠΟΛΟΙΠΟ ΠΡΟΣ ΕΙΣΠΡΑΞΗ/", "7/1/1/       ΑΠΟ ΤΟΝ ΠΕΛΑΤΗ/",
@@ -112,15 +111,15 @@ TEST_F(EftCardRoadsTest, RetriesRunOutThenTheAlternativePaysAndTheNoticePrintsOn
 TEST_F(EftCardRoadsTest, AFinalRefusalEndsTheAttemptsAndWithoutAlternativeNothingMoreIsSent)
 {
     terminal = {"DECLINED BY THE TERMINAL"};
-    roads.payInReceipt(cardRecord(2, 0), 5.0, QString(), QStringLiteral("T"));
+    roads.payInReceipt(cardRecord(2, 0), 5.0, QString(), u"T"_s);
     EXPECT_EQ(link.commands(), (QStringList{"5/3/5.00////2/1/", kQuery}));
     EXPECT_FALSE(vars.EftFallbackUsed);
 
     // An alternative the register refuses gives no notice either.
     link.sent.clear();
     terminal = {"USER CANCELLATION OR TIMEOUT"};
-    link.queue.push_back({0x40, QStringLiteral("inactive payment")});
-    roads.payInReceipt(cardRecord(0, 6), 5.0, QStringLiteral("X"), QStringLiteral("T"));
+    link.queue.push_back({0x40, u"inactive payment"_s});
+    roads.payInReceipt(cardRecord(0, 6), 5.0, u"X"_s, u"T"_s);
     EXPECT_EQ(link.commands().last(), "5/6/5.00/ΑΝΤΙ:X//////");
     EXPECT_FALSE(vars.EftFallbackUsed);
 }
@@ -129,7 +128,7 @@ TEST_F(EftCardRoadsTest, ABusyTerminalGetsThreeSecondsAndANoContactIsAPlainNextA
 {
     terminal = {"POS IS BUSY", "SEND:TIMEOUT WHILE SEND DATA TO POS (3)"};
     const qint64 start = clock.monotonicMs();
-    roads.payInReceipt(cardRecord(2, 0), 1.0, QString(), QStringLiteral("T"));
+    roads.payInReceipt(cardRecord(2, 0), 1.0, QString(), u"T"_s);
     EXPECT_EQ(clock.monotonicMs() - start, EftCardRoads::kBusyTerminalWaitMs);
     EXPECT_EQ(count("5/3/1.00////2/1/"), 3);
     EXPECT_EQ(count(")/33/"), 0);
@@ -139,7 +138,7 @@ TEST_F(EftCardRoadsTest, OnlyTheStatusesOfATakenPaymentAreQueriedOthersTryAgainA
 {
     cardStatuses = {0xBC, 193, 207};
     terminal = {"TRANSACTION WAS DECLINED", "TRANSACTION WAS DECLINED"};
-    roads.payInReceipt(cardRecord(2, 0), 2.0, QString(), QStringLiteral("T"));
+    roads.payInReceipt(cardRecord(2, 0), 2.0, QString(), u"T"_s);
     EXPECT_EQ(link.commands(), (QStringList{"5/3/2.00////2/1/", "5/3/2.00////2/1/", kQuery,
                                             "5/3/2.00////2/1/", kQuery}));
     EXPECT_EQ(busyAtCard, (QList<bool>{true, true, true}));
@@ -150,7 +149,7 @@ TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgain
     // The register tells: the terminal declined, so the next attempt may go.
     cardStatuses = {-4};
     terminal = {"DECLINED BY THE HOST"};
-    roads.payInReceipt(cardRecord(1, 0), 3.0, QString(), QStringLiteral("T"));
+    roads.payInReceipt(cardRecord(1, 0), 3.0, QString(), u"T"_s);
     EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery, "5/3/3.00////2/1/", kQuery}));
     EXPECT_TRUE(op.messages.isEmpty());
 
@@ -164,10 +163,10 @@ TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgain
         }
         return first(command, a);
     };
-    roads.payInReceipt(cardRecord(3, 1), 3.0, QString(), QStringLiteral("T"));
+    roads.payInReceipt(cardRecord(3, 1), 3.0, QString(), u"T"_s);
     EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery}));
     ASSERT_EQ(op.messages.size(), 1);
-    EXPECT_TRUE(op.messages[0].text.startsWith(QStringLiteral("Άγνωστη έκβαση πληρωμής με κάρτα")));
+    EXPECT_TRUE(op.messages[0].text.startsWith(u"Άγνωστη έκβαση πληρωμής με κάρτα"_s));
     EXPECT_FALSE(vars.EftFallbackUsed);
     EXPECT_FALSE(vars.EftBusy);
 }
@@ -177,12 +176,12 @@ TEST_F(EftCardRoadsTest, ALostAnswerIsNoApprovalWhenTheRegisterListsNoTransactio
     cardStatuses = {-207};
     link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
         if (command == kQuery) {
-            a.reply = QStringLiteral("00/00/00/0/");
+            a.reply = u"00/00/00/0/"_s;
             return true;
         }
         return first(command, a);
     };
-    roads.payInReceipt(cardRecord(2, 1), 3.0, QString(), QStringLiteral("T"));
+    roads.payInReceipt(cardRecord(2, 1), 3.0, QString(), u"T"_s);
     EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery}));
     EXPECT_EQ(op.messages.size(), 1);
 }
@@ -201,7 +200,7 @@ TEST_F(EftCardRoadsTest, APreCollectionIsADocumentEachAttemptAndClosesAtZeroWhen
     PayEftRecord r = cardRecord(1, 4);
     r.preCollect = -1;
     terminal = {"TRANSACTION WAS DECLINED", "TRANSACTION WAS DECLINED"};
-    roads.payInReceipt(r, 20.0, QStringLiteral("VISA"), QStringLiteral("ΤΔΑ-17"));
+    roads.payInReceipt(r, 20.0, u"VISA"_s, u"ΤΔΑ-17"_s);
     const QStringList opening{"6/0/1//", "7/1/1/Αριθμ. Παραστατικού:/", "7/1/2/#ΤΔΑ-17#/"};
     const QStringList expected = opening + QStringList{"5/3/20.00/VISA///2/1/", kQuery, "5/1/0.00////"}
         + opening + QStringList{"5/3/20.00/VISA///2/1/", kQuery, "5/1/0.00////", "5/1/0.00////"};
@@ -211,8 +210,8 @@ TEST_F(EftCardRoadsTest, APreCollectionIsADocumentEachAttemptAndClosesAtZeroWhen
     // A reference the register refuses sends no card command in that attempt.
     link.sent.clear();
     r.retries = 0;
-    link.queue = {{0, {}}, {0, {}}, {0x05, QStringLiteral("bad")}};
-    roads.payInReceipt(r, 20.0, QStringLiteral("VISA"), QStringLiteral("ΤΔΑ-17"));
+    link.queue = {{0, {}}, {0, {}}, {0x05, u"bad"_s}};
+    roads.payInReceipt(r, 20.0, u"VISA"_s, u"ΤΔΑ-17"_s);
     EXPECT_EQ(count("5/3/20.00/VISA///2/1/"), 0);
     EXPECT_EQ(link.commands().last(), "5/1/0.00////");
 }

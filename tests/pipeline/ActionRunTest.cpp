@@ -21,7 +21,7 @@ TEST_F(ActionRunTest, TheActionRunsOnceTheRegisterAnswersAndThenTheProgramEnds)
 {
     auto params = pollingParams();
     params.ChkAuto = true; // a life of one action never starts polling
-    runAction(QStringLiteral("xrep0"), params);
+    runAction(u"xrep0"_s, params);
     settle();
     EXPECT_TRUE(ran.isEmpty());
     printer->initializeStatuses = {-4, 0};
@@ -37,7 +37,7 @@ TEST_F(ActionRunTest, TheActionRunsOnceTheRegisterAnswersAndThenTheProgramEnds)
 
 TEST_F(ActionRunTest, ARegisterNeverFoundEndsTheRunWithoutTheAction)
 {
-    runAction(QStringLiteral("Ver"), pollingParams());
+    runAction(u"Ver"_s, pollingParams());
     printer->statusAfterScript = -4;
     for (int i = 0; i < DeviceSearch::kSearchesBeforeOffLine + 1; ++i)
         engine->timer2Tick();
@@ -48,22 +48,21 @@ TEST_F(ActionRunTest, ARegisterNeverFoundEndsTheRunWithoutTheAction)
     // A link that never opens ends it from the start.
     link.openStatus = -1;
     endedWith = -1;
-    runAction(QStringLiteral("Ver"), pollingParams());
+    runAction(u"Ver"_s, pollingParams());
     settle();
     EXPECT_EQ(endedWith, ActionRun::kExitRegisterNotFound);
 }
 
 TEST_F(ActionRunTest, ANameThatRunsNothingIsToldWithoutTroublingTheRegister)
 {
-    runAction(QStringLiteral("initTables"), pollingParams());
+    runAction(u"initTables"_s, pollingParams());
     settle();
     EXPECT_EQ(endedWith, ActionRun::kExitNotBuilt);
-    EXPECT_EQ(person.messages.last().text,
-              QStringLiteral("Η λειτουργία Αρχικοποίηση Τραπεζιών δεν είναι ακόμη διαθέσιμη."));
+    EXPECT_EQ(person.messages.last().text, u"Η λειτουργία Αρχικοποίηση Τραπεζιών δεν είναι ακόμη διαθέσιμη."_s);
     EXPECT_EQ(link.opens, 0);
 
     endedWith = -1;
-    runAction(QStringLiteral("xreports"), pollingParams());
+    runAction(u"xreports"_s, pollingParams());
     settle();
     EXPECT_EQ(endedWith, ActionRun::kExitUnknownAction);
     EXPECT_EQ(link.opens, 0);

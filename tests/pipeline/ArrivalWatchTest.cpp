@@ -30,7 +30,7 @@ protected:
         }
         return looks;
     }
-    QStringList printedTags() const { return resultLines().filter(QStringLiteral("tag = ")); }
+    QStringList printedTags() const { return resultLines().filter(u"tag = "_s); }
 };
 
 } // namespace
@@ -45,16 +45,16 @@ TEST_F(ArrivalWatchTest, AFileIsPrintedAsItLandsAndOnlyTimer1LetsTheLinkGo)
     EXPECT_EQ(watch->look(), std::nullopt); // a change that brought no print file
     EXPECT_EQ(link.opens, 1);
 
-    put(QStringLiteral("print.1"), "tag:  first\r\n");
+    put(u"print.1"_s, "tag:  first\r\n");
     watch->folderChanged();
     EXPECT_EQ(watch->look(), 0); // printed: look again at once for more
     EXPECT_EQ(printedTags(), QStringList{"tag = first"});
     EXPECT_EQ(clock.monotonicMs(), 500); // the job's own wait, no tick waited for
-    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.1"))));
+    EXPECT_FALSE(QFile::exists(inPath(u"print.1"_s)));
 
     EXPECT_EQ(watch->look(), std::nullopt);
     EXPECT_TRUE(link.connected); // an empty look keeps it for the next file
-    put(QStringLiteral("print.1"), "tag:  second\r\n");
+    put(u"print.1"_s, "tag:  second\r\n");
     watch->folderChanged();
     looksUntilQuiet();
     EXPECT_EQ(link.opens, 2); // opened and identified once for both files
@@ -70,10 +70,10 @@ TEST_F(ArrivalWatchTest, NotPollingOrStoppedTheWatchLeavesFilesToTimer1)
     start();
     engine->timer2Tick(); // Ready, not polling
     watch = std::make_unique<ArrivalWatch>(*engine);
-    put(QStringLiteral("print.1"), "tag:  early\r\n");
+    put(u"print.1"_s, "tag:  early\r\n");
     watch->folderChanged();
     EXPECT_EQ(watch->look(), std::nullopt);
-    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("print.1"))));
+    EXPECT_TRUE(QFile::exists(inPath(u"print.1"_s)));
 
     engine->command1();
     engine->command2();
@@ -89,9 +89,9 @@ TEST_F(ArrivalWatchTest, NotPollingOrStoppedTheWatchLeavesFilesToTimer1)
 TEST_F(ArrivalWatchTest, AFloodOfFilesGoesOneJobALookWithNoneLostAndNoLoopAfter)
 {
     constexpr int kFiles = 1000;
-    startWatching(pollingParams(QStringLiteral("*.txt")));
+    startWatching(pollingParams(u"*.txt"_s));
     for (int i = 0; i < kFiles; ++i)
-        put(QStringLiteral("job%1.txt").arg(i, 4, 10, QLatin1Char('0')), QStringLiteral("tag:  %1\r\n").arg(i).toLatin1());
+        put(u"job%1.txt"_s.arg(i, 4, 10, QLatin1Char('0')), u"tag:  %1\r\n"_s.arg(i).toLatin1());
     watch->folderChanged();
     EXPECT_EQ(looksUntilQuiet(), kFiles + 1);
     QStringList tags = printedTags();
@@ -109,15 +109,15 @@ TEST_F(ArrivalWatchTest, NumberedFilesGoLowestFirstAndChangesDuringAJobAreOwedNo
     parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
         if (line == QLatin1String("tag:  3")) {
             // The folder changes while a job runs (its event loop is pumped).
-            put(QStringLiteral("print.2"), "tag:  2\r\n");
+            put(u"print.2"_s, "tag:  2\r\n");
             watch->folderChanged();
             duringJob = watch->look();
             dueDuringJob = watch->due();
         }
         return true;
     });
-    put(QStringLiteral("print.9"), "tag:  9\r\n");
-    put(QStringLiteral("print.3"), "tag:  3\r\n");
+    put(u"print.9"_s, "tag:  9\r\n");
+    put(u"print.3"_s, "tag:  3\r\n");
     watch->folderChanged();
     looksUntilQuiet();
     EXPECT_EQ(duringJob, std::nullopt);
@@ -129,7 +129,7 @@ TEST_F(ArrivalWatchTest, NumberedFilesGoLowestFirstAndChangesDuringAJobAreOwedNo
 TEST_F(ArrivalWatchTest, AFileStillBeingWrittenIsNeverPrintedHalfAndTheRetriesEnd)
 {
     startWatching(pollingParams());
-    QFile writer(inPath(QStringLiteral("print.1")));
+    QFile writer(inPath(u"print.1"_s));
     ASSERT_TRUE(writer.open(QIODevice::WriteOnly));
     writer.write("tag:  whole\r\n PLU first half\r\n");
     writer.flush();
@@ -148,28 +148,28 @@ TEST_F(ArrivalWatchTest, AFileStillBeingWrittenIsNeverPrintedHalfAndTheRetriesEn
 TEST_F(ArrivalWatchTest, AFileRenamedIntoPlaceIsPrintedAndAProgramFileWaitsForTimer1)
 {
     startWatching(pollingParams());
-    put(QStringLiteral("print.tmp"), "tag:  renamed\r\n");
+    put(u"print.tmp"_s, "tag:  renamed\r\n");
     watch->folderChanged();
     EXPECT_EQ(watch->look(), std::nullopt);
-    ASSERT_TRUE(QFile::rename(inPath(QStringLiteral("print.tmp")), inPath(QStringLiteral("print.1"))));
+    ASSERT_TRUE(QFile::rename(inPath(u"print.tmp"_s), inPath(u"print.1"_s)));
     watch->folderChanged();
     looksUntilQuiet();
     EXPECT_EQ(printedTags(), QStringList{"tag = renamed"});
 
     // A program file stays after its job: printed once per change, not in a loop.
-    startWatching(pollingParams(QStringLiteral("prg")));
-    put(QStringLiteral("prg.1"), "tag:  program\r\n");
+    startWatching(pollingParams(u"prg"_s));
+    put(u"prg.1"_s, "tag:  program\r\n");
     watch->folderChanged();
     EXPECT_EQ(looksUntilQuiet(), 1);
-    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("prg.1"))));
+    EXPECT_TRUE(QFile::exists(inPath(u"prg.1"_s)));
 }
 
 TEST_F(ArrivalWatchTest, SingleFileWayPrintsItsFileOnArrivalAndEnds)
 {
-    auto params = pollingParams(QStringLiteral("job.txt"));
+    auto params = pollingParams(u"job.txt"_s);
     params.multi_print = false;
     startWatching(params);
-    put(QStringLiteral("job.txt"), "tag:  single\r\n");
+    put(u"job.txt"_s, "tag:  single\r\n");
     watch->folderChanged();
     EXPECT_EQ(watch->look(), std::nullopt);
     EXPECT_TRUE(engine->hasEnded());
@@ -187,14 +187,14 @@ TEST_F(ArrivalWatchTest, TheRealWatchFollowsAFolderThatGoesAndComesBack)
     QDir(inPath(QString())).removeRecursively();
     QCoreApplication::processEvents();
     engine->timer1Tick(); // the folder is gone: nothing to watch
-    ASSERT_TRUE(QDir(dir.path()).mkpath(QStringLiteral("in")));
+    ASSERT_TRUE(QDir(dir.path()).mkpath(u"in"_s));
     engine->timer1Tick(); // back: watched again
     const int looksBefore = timers.arrivals().looks();
 
-    put(QStringLiteral("print.1"), "tag:  back\r\n");
-    while (QFile::exists(inPath(QStringLiteral("print.1"))) && !beforeTimer1.hasExpired())
+    put(u"print.1"_s, "tag:  back\r\n");
+    while (QFile::exists(inPath(u"print.1"_s)) && !beforeTimer1.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.1"))));
+    EXPECT_FALSE(QFile::exists(inPath(u"print.1"_s)));
     EXPECT_GT(timers.arrivals().looks(), looksBefore);
     EXPECT_EQ(printedTags(), QStringList{"tag = back"});
 }

@@ -3,40 +3,35 @@
 
 TEST(CommandLine, SplitsAtCommaOrBlankAndMarksEmptyFields)
 {
-    const CommandLineFields f = readcoman(QStringLiteral("com1,9600 print.txt,,TECFP,2101110 `"));
-    EXPECT_EQ(f.port, QStringLiteral("com1"));
-    EXPECT_EQ(f.baud, QStringLiteral("9600"));
-    EXPECT_EQ(f.file, QStringLiteral("print.txt"));
-    EXPECT_EQ(f.time, QStringLiteral("e"));
-    EXPECT_EQ(f.ecrt, QStringLiteral("TECFP"));
-    EXPECT_EQ(f.flags, QStringLiteral("2101110 `"));
+    const CommandLineFields f = readcoman(u"com1,9600 print.txt,,TECFP,2101110 `"_s);
+    EXPECT_EQ(f.port, u"com1"_s);
+    EXPECT_EQ(f.baud, u"9600"_s);
+    EXPECT_EQ(f.file, u"print.txt"_s);
+    EXPECT_EQ(f.time, u"e"_s);
+    EXPECT_EQ(f.ecrt, u"TECFP"_s);
+    EXPECT_EQ(f.flags, u"2101110 `"_s);
     EXPECT_TRUE(commandLineUsable(f));
-    EXPECT_TRUE(commandLineStartsBatch(QStringLiteral("com1,9600 print.txt,,TECFP,2101110 `")));
+    EXPECT_TRUE(commandLineStartsBatch(u"com1,9600 print.txt,,TECFP,2101110 `"_s));
 
     JobSettings expected;
-    expected.file = QStringLiteral("print.txt");
-    expected.time = QStringLiteral("e");
-    expected.ecrt = QStringLiteral("TECFP");
-    expected.multiType = QStringLiteral("fals");
-    expected.code = QStringLiteral("true");
-    expected.printCode = QStringLiteral("true A");
-    expected.printDesc = QStringLiteral("true");
-    expected.comments = QStringLiteral("fals");
-    expected.currency = QStringLiteral("1");
-    expected.keybOff = QStringLiteral("true");
-    expected.dirDepa = QStringLiteral("true");
-    expected.quantity = QStringLiteral("fals");
+    expected.file = u"print.txt"_s;
+    expected.time = u"e"_s;
+    expected.ecrt = u"TECFP"_s;
+    expected.printCode = u"true A"_s;
+    expected.currency = u"1"_s;
+    expected.code = expected.printDesc = expected.keybOff = expected.dirDepa = u"true"_s;
+    expected.multiType = expected.comments = expected.quantity = u"fals"_s;
     EXPECT_EQ(commandLineSettings(f), expected);
 
-    EXPECT_FALSE(commandLineUsable(readcoman(QStringLiteral("com1,9600,print.txt,0,TECFP,111111"))));
-    EXPECT_FALSE(commandLineUsable(readcoman(QStringLiteral("com1,9600"))));
-    EXPECT_FALSE(commandLineUsable(readcoman(QStringLiteral("com1,9600,print.txt,0,TECFP,"))));
+    EXPECT_FALSE(commandLineUsable(readcoman(u"com1,9600,print.txt,0,TECFP,111111"_s)));
+    EXPECT_FALSE(commandLineUsable(readcoman(u"com1,9600"_s)));
+    EXPECT_FALSE(commandLineUsable(readcoman(u"com1,9600,print.txt,0,TECFP,"_s)));
     EXPECT_TRUE(readcoman(QString()).port.isEmpty());
 }
 
 TEST_F(EngineTest, CommandLineWithSixFlagsEndsAtOnceWithoutAWord)
 {
-    start(QStringLiteral("com1,9600,print.txt,0,TECFP,111111"));
+    start(u"com1,9600,print.txt,0,TECFP,111111"_s);
     EXPECT_TRUE(engine->hasEnded());
     EXPECT_EQ(engine->exitCode(), 1);
     EXPECT_TRUE(person.messages.isEmpty());
@@ -48,69 +43,69 @@ TEST_F(EngineTest, CommandLinePrintsItsOneFileDeletesItAndEnds)
 {
     QString batch;
     parts.startBatchFile_ = [&](const QString& path) { batch = path; };
-    put(QStringLiteral("print.txt"), "tag:  cl\r\n PLU x\r\n");
-    start(QStringLiteral("com1,9600,in\\print.txt,0,TECFP,1111111`"));
+    put(u"print.txt"_s, "tag:  cl\r\n PLU x\r\n");
+    start(u"com1,9600,in\\print.txt,0,TECFP,1111111`"_s);
     EXPECT_TRUE(engine->hasEnded());
     EXPECT_EQ(engine->exitCode(), 0);
-    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.txt"))));
-    EXPECT_EQ(resultLines().first(), QStringLiteral("tag = cl"));
-    EXPECT_EQ(resultLines().last(), QStringLiteral("exitcode = 0"));
+    EXPECT_FALSE(QFile::exists(inPath(u"print.txt"_s)));
+    EXPECT_EQ(resultLines().first(), u"tag = cl"_s);
+    EXPECT_EQ(resultLines().last(), u"exitcode = 0"_s);
     EXPECT_FALSE(link.connected);
     EXPECT_EQ(engine->timer1().intervalMs, 1000);
-    EXPECT_TRUE(batch.endsWith(QStringLiteral("kerbano/cop2ker.bat")));
+    EXPECT_TRUE(batch.endsWith(u"kerbano/cop2ker.bat"_s));
     EXPECT_EQ(printer->ops, QStringList{"initialize"});
 }
 
 TEST_F(EngineTest, CommandLineGivesUpOnASilentRegisterAndKeepsTheFileUnprinted)
 {
     link.openStatus = -1;
-    link.openReply = QStringLiteral("Πρόβλημα στην Θύρα :com1");
-    put(QStringLiteral("print.txt"), "tag:  silent\r\n");
+    link.openReply = u"Πρόβλημα στην Θύρα :com1"_s;
+    put(u"print.txt"_s, "tag:  silent\r\n");
     parts.readDeviceVatRates_ = [] { ADD_FAILURE() << "no VAT rates from a closed link"; };
     initializeStatusAtStart = -4;
-    start(QStringLiteral("com1,9600,in/print.txt,0,TECFP,0000000"));
+    start(u"com1,9600,in/print.txt,0,TECFP,0000000"_s);
     EXPECT_EQ(printer->ops.size(), Engine::kCommandLineInitializeAttempts);
     EXPECT_EQ(clock.totalSleptMs(),
               (Engine::kCommandLineInitializeAttempts - 1) * Engine::kCommandLineInitializePauseMs);
     EXPECT_TRUE(engine->hasEnded());
     EXPECT_EQ(engine->exitCode(), Engine::kExitRegisterSilent);
-    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("print.txt"))));
+    EXPECT_TRUE(QFile::exists(inPath(u"print.txt"_s)));
     EXPECT_TRUE(resultLines().isEmpty());
     ASSERT_FALSE(person.messages.isEmpty());
-    EXPECT_TRUE(person.messages.last().text.startsWith(QStringLiteral("Η φορολογική ταμειακή δεν απαντά.")));
+    EXPECT_TRUE(person.messages.last().text.startsWith(u"Η φορολογική ταμειακή δεν απαντά."_s));
 }
 
 TEST_F(EngineTest, AJobNoteStandsJustBeforeExitcodeAndTheCommandLineEndsWithItsStatus)
 {
     parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
-        if (!line.contains(QStringLiteral("PLU")))
+        if (!line.contains(u"PLU"_s))
             return true;
-        engine->resultSink().noteBeforeExit(QStringLiteral("jobNote = voided;totals;17.50;7.50"));
-        engine->resultSink().appendResultLine(QStringLiteral("Err = -31, [5/1/7.50/ΜΕΤΡΗΤΑ//////] DateTime = x"));
+        engine->resultSink().noteBeforeExit(u"jobNote = voided;totals;17.50;7.50"_s);
+        engine->resultSink().appendResultLine(u"Err = -31, [5/1/7.50/ΜΕΤΡΗΤΑ//////] DateTime = x"_s);
         return true;
     });
-    put(QStringLiteral("print.txt"), "tag:  cl\r\n PLU x\r\n");
-    start(QStringLiteral("com1,9600,in/print.txt,0,TECFP,1111111"));
+    put(u"print.txt"_s, "tag:  cl\r\n PLU x\r\n");
+    start(u"com1,9600,in/print.txt,0,TECFP,1111111"_s);
     EXPECT_TRUE(engine->hasEnded());
     EXPECT_EQ(engine->exitCode(), PrintJob::kExitNotAsAsked);
     const QStringList lines = resultLines();
     ASSERT_GE(lines.size(), 3);
-    EXPECT_EQ(lines.last(), QStringLiteral("exitcode = 0"));
-    EXPECT_EQ(lines[lines.size() - 2], QStringLiteral("jobNote = voided;totals;17.50;7.50"));
-    EXPECT_EQ(lines.count(QStringLiteral("jobNote = voided;totals;17.50;7.50")), 1);
+    EXPECT_EQ(lines.last(), u"exitcode = 0"_s);
+    EXPECT_EQ(lines[lines.size() - 2], u"jobNote = voided;totals;17.50;7.50"_s);
+    EXPECT_EQ(lines.count(u"jobNote = voided;totals;17.50;7.50"_s), 1);
 }
 
 TEST_F(EngineTest, APrintFileThatIsADirectoryOrALoopingLinkIsNotPrintedAndLeavesNoResult)
 {
-    QDir(dir.path()).mkpath(QStringLiteral("in/print.txt"));
-    start(QStringLiteral("com1,9600,in/print.txt,0,TECFP,1111111"));
+    QDir(dir.path()).mkpath(u"in/print.txt"_s);
+    start(u"com1,9600,in/print.txt,0,TECFP,1111111"_s);
     EXPECT_EQ(engine->exitCode(), PrintJob::kExitBadPrintFile);
     EXPECT_TRUE(resultLines().isEmpty());
     ASSERT_FALSE(person.messages.isEmpty());
-    EXPECT_TRUE(person.messages.last().text.contains(QStringLiteral("δεν εκτυπώθηκε")));
+    EXPECT_TRUE(person.messages.last().text.contains(u"δεν εκτυπώθηκε"_s));
 
-    QFile::link(inPath(QStringLiteral("loop.txt")), inPath(QStringLiteral("loop.txt")));
-    start(QStringLiteral("com1,9600,in/loop.txt,0,TECFP,1111111"));
+    QFile::link(inPath(u"loop.txt"_s), inPath(u"loop.txt"_s));
+    start(u"com1,9600,in/loop.txt,0,TECFP,1111111"_s);
     EXPECT_EQ(engine->exitCode(), PrintJob::kExitBadPrintFile);
     EXPECT_TRUE(resultLines().isEmpty());
 }

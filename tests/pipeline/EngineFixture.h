@@ -18,11 +18,12 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+using namespace Qt::Literals::StringLiterals;
+
 // FPrinterWrite for the engine's tests: "initialize" answers from a script.
 class ScriptedPrinter final : public FPrinter {
 public:
-    explicit ScriptedPrinter(ReceiptState& state)
-        : state_(state)
+    explicit ScriptedPrinter(ReceiptState& state) : state_(state)
     {
     }
     std::deque<qint16> initializeStatuses; // then statusAfterScript
@@ -35,7 +36,7 @@ public:
         if (op != QLatin1String("initialize"))
             return;
         state_.LastStatus = initializeStatuses.empty() ? statusAfterScript : initializeStatuses.front();
-        state_.LastReply = state_.LastStatus ? QStringLiteral("no reply") : QString();
+        state_.LastReply = state_.LastStatus ? u"no reply"_s : QString();
         if (!initializeStatuses.empty())
             initializeStatuses.pop_front();
     }
@@ -102,33 +103,32 @@ protected:
 
     void SetUp() override
     {
-        QDir(dir.path()).mkpath(QStringLiteral("in"));
+        QDir(dir.path()).mkpath(u"in"_s);
         parts.interpretLines_ = walkEach([this](const QString& line, const JobSettings&) {
             walked << line;
             return true;
         });
     }
 
-    ParamFormValues pollingParams(const QString& file = QStringLiteral("print")) const
+    ParamFormValues pollingParams(const QString& file = u"print"_s) const
     {
         ParamFormValues f;
-        f.comtxt = QStringLiteral("127.0.0.1:9101");
+        f.comtxt = u"127.0.0.1:9101"_s;
         f.filetxt = file;
-        f.location = QStringLiteral("in\\");
+        f.location = u"in\\"_s;
         f.multi_print = true;
         f.descreption = true;
         return f;
     }
     void writeParams(const ParamFormValues& f)
     {
-        ASSERT_TRUE(writeParamFile(dir.filePath(QStringLiteral("param.ini")), f, QDate(2026, 1, 2)));
+        ASSERT_TRUE(writeParamFile(dir.filePath(u"param.ini"_s), f, QDate(2026, 1, 2)));
     }
 
     // An engine put together but not started.
     void build(const QString& commandLine = QString(), bool honourAutoStart = true)
     {
-        engine = std::make_unique<Engine>(clock, person, form,
-                                          EngineOptions{dir.path(), commandLine, honourAutoStart});
+        engine = std::make_unique<Engine>(clock, person, form, EngineOptions{dir.path(), commandLine, honourAutoStart});
         printer = std::make_unique<ScriptedPrinter>(engine->receiptState());
         printer->statusAfterScript = initializeStatusAtStart;
         engine->attach(link, *printer, parts, parts);
@@ -147,19 +147,19 @@ protected:
         engine->command1();
     }
 
-    QString inPath(const QString& name) const { return dir.filePath(QStringLiteral("in/") + name); }
+    QString inPath(const QString& name) const { return dir.filePath(u"in/"_s + name); }
     void put(const QString& name, const QByteArray& bytes)
     {
         QFile file(inPath(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(bytes);
     }
-    QStringList resultLines(const QString& relative = QStringLiteral("Result")) const
+    QStringList resultLines(const QString& relative = u"Result"_s) const
     {
         QFile file(dir.filePath(relative));
         if (!file.open(QIODevice::ReadOnly))
             return {};
-        QStringList lines = codepage::fromWin1253(file.readAll()).split(QStringLiteral("\r\n"));
+        QStringList lines = codepage::fromWin1253(file.readAll()).split(u"\r\n"_s);
         lines.removeLast();
         return lines;
     }

@@ -11,7 +11,7 @@ TEST_F(EngineTest, AFileAppearingIsPrintedDeletedAndReportedInItsResultFile)
         walked << line;
         timer1ArmedDuringJob = engine->timer1().armed;
         ignoreBusyDuringJob = engine->moduleVariables().IgnoreOperatorBusy;
-        EXPECT_EQ(settings.printDesc, QStringLiteral("true"));
+        EXPECT_EQ(settings.printDesc, u"true"_s);
         return true;
     });
     parts.isOperatorBusy_ = [] { return false; };
@@ -22,8 +22,8 @@ TEST_F(EngineTest, AFileAppearingIsPrintedDeletedAndReportedInItsResultFile)
     EXPECT_EQ(link.closes, 1);
     EXPECT_TRUE(walked.isEmpty());
 
-    put(QStringLiteral("print.1"), "resFile:  out\\res.txt\r\ntag:  00417\r\n PLU a\nb\rc\r\n");
-    QDir(dir.path()).mkpath(QStringLiteral("out"));
+    put(u"print.1"_s, "resFile:  out\\res.txt\r\ntag:  00417\r\n PLU a\nb\rc\r\n");
+    QDir(dir.path()).mkpath(u"out"_s);
     engine->timer1Tick();
     EXPECT_EQ(link.opens, 2);
     EXPECT_TRUE(link.connected);
@@ -32,14 +32,13 @@ TEST_F(EngineTest, AFileAppearingIsPrintedDeletedAndReportedInItsResultFile)
     EXPECT_TRUE(ignoreBusyDuringJob);
     EXPECT_FALSE(engine->moduleVariables().IgnoreOperatorBusy);
     EXPECT_TRUE(engine->timer1().armed);
-    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.1"))));
+    EXPECT_FALSE(QFile::exists(inPath(u"print.1"_s)));
     EXPECT_EQ(clock.totalSleptMs(), 500);
-    EXPECT_EQ(resultLines(QStringLiteral("out/res.txt")),
-              (QStringList{"tag = 00417", "DateTime start = 02/01/2026 10:20:30",
+    EXPECT_EQ(resultLines(u"out/res.txt"_s), (QStringList{"tag = 00417", "DateTime start = 02/01/2026 10:20:30",
                            "DateTime end = 02/01/2026 10:20:30", "recStatus = 0;0.00", "receipt = -1, -1, -1",
                            "exitcode = 0"}));
-    EXPECT_EQ(form.lblreceipt(), QStringLiteral("-1"));
-    EXPECT_EQ(form.lblProgr(), QStringLiteral(" Ολοκληρώθηκε το 100%"));
+    EXPECT_EQ(form.lblreceipt(), u"-1"_s);
+    EXPECT_EQ(form.lblProgr(), u" Ολοκληρώθηκε το 100%"_s);
     EXPECT_EQ(statusLines, (QStringList{"Εκτύπωση Ενεργή ..... Παρακαλώ Περιμένετε...", "Αναμονη Για Στοιχεια...."}));
 
     engine->timer1Tick(); // the first tick that finds nothing closes the link
@@ -50,10 +49,10 @@ TEST_F(EngineTest, AFileAppearingIsPrintedDeletedAndReportedInItsResultFile)
 TEST_F(EngineTest, FilesStillBeingWrittenOrEmptyWaitAndTheLowestNumberGoesFirst)
 {
     startPolling(pollingParams());
-    put(QStringLiteral("print.2"), QByteArray());
-    put(QStringLiteral("print.4"), "tag:  four\r\n");
-    put(QStringLiteral("print.3"), "tag:  three\r\n");
-    QFile writer(inPath(QStringLiteral("print.1")));
+    put(u"print.2"_s, QByteArray());
+    put(u"print.4"_s, "tag:  four\r\n");
+    put(u"print.3"_s, "tag:  three\r\n");
+    QFile writer(inPath(u"print.1"_s));
     ASSERT_TRUE(writer.open(QIODevice::WriteOnly));
     writer.write("tag:  one\r\n");
     writer.flush();
@@ -63,42 +62,41 @@ TEST_F(EngineTest, FilesStillBeingWrittenOrEmptyWaitAndTheLowestNumberGoesFirst)
     writer.close();
     engine->timer1Tick();
     engine->timer1Tick();
-    EXPECT_EQ(resultLines().filter(QStringLiteral("tag = ")),
-              (QStringList{"tag = three", "tag = four", "tag = one"}));
-    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("print.2"))));
+    EXPECT_EQ(resultLines().filter(u"tag = "_s), (QStringList{"tag = three", "tag = four", "tag = one"}));
+    EXPECT_TRUE(QFile::exists(inPath(u"print.2"_s)));
 }
 
 TEST_F(EngineTest, WildcardTakesAMatchingName)
 {
-    startPolling(pollingParams(QStringLiteral("*.txt")));
-    put(QStringLiteral("other.dat"), "tag:  no\r\n");
-    put(QStringLiteral("job.txt"), "tag:  yes\r\n");
+    startPolling(pollingParams(u"*.txt"_s));
+    put(u"other.dat"_s, "tag:  no\r\n");
+    put(u"job.txt"_s, "tag:  yes\r\n");
     engine->timer1Tick();
     engine->timer1Tick();
-    EXPECT_EQ(resultLines().filter(QStringLiteral("tag = ")), QStringList{"tag = yes"});
-    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("job.txt"))));
-    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("other.dat"))));
+    EXPECT_EQ(resultLines().filter(u"tag = "_s), QStringList{"tag = yes"});
+    EXPECT_FALSE(QFile::exists(inPath(u"job.txt"_s)));
+    EXPECT_TRUE(QFile::exists(inPath(u"other.dat"_s)));
 }
 
 TEST_F(EngineTest, PrgFileIsKeptAndPrintedAgainInThePollingWay)
 {
-    startPolling(pollingParams(QStringLiteral("prg")));
-    put(QStringLiteral("prg.1"), "tag:  program\r\n");
+    startPolling(pollingParams(u"prg"_s));
+    put(u"prg.1"_s, "tag:  program\r\n");
     engine->timer1Tick();
     engine->timer1Tick();
-    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("prg.1"))));
-    EXPECT_EQ(resultLines().filter(QStringLiteral("tag = ")).size(), 2);
+    EXPECT_TRUE(QFile::exists(inPath(u"prg.1"_s)));
+    EXPECT_EQ(resultLines().filter(u"tag = "_s).size(), 2);
 
     // Compared as it stands: "PRG.1" goes.
-    startPolling(pollingParams(QStringLiteral("PRG")));
-    put(QStringLiteral("PRG.1"), "tag:  upper\r\n");
+    startPolling(pollingParams(u"PRG"_s));
+    put(u"PRG.1"_s, "tag:  upper\r\n");
     engine->timer1Tick();
-    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("PRG.1"))));
+    EXPECT_FALSE(QFile::exists(inPath(u"PRG.1"_s)));
 }
 
 TEST_F(EngineTest, SingleFileWayWaitsForItsFilePrintsItAndEnds)
 {
-    auto params = pollingParams(QStringLiteral("job.prg.1"));
+    auto params = pollingParams(u"job.prg.1"_s);
     params.multi_print = false;
     startPolling(params);
     int endedWith = -1;
@@ -106,12 +104,12 @@ TEST_F(EngineTest, SingleFileWayWaitsForItsFilePrintsItAndEnds)
     engine->timer1Tick();
     EXPECT_FALSE(engine->hasEnded());
 
-    put(QStringLiteral("job.prg.1"), "tag:  single\r\n");
+    put(u"job.prg.1"_s, "tag:  single\r\n");
     engine->timer1Tick();
     EXPECT_EQ(endedWith, 0);
     EXPECT_FALSE(link.connected);
-    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("job.prg.1")))); // "PRG.1" in any case stays
-    EXPECT_EQ(resultLines().first(), QStringLiteral("tag = single"));
+    EXPECT_TRUE(QFile::exists(inPath(u"job.prg.1"_s))); // "PRG.1" in any case stays
+    EXPECT_EQ(resultLines().first(), u"tag = single"_s);
 }
 
 TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
@@ -127,13 +125,13 @@ TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
     parts.documentFigures_ = [] { return DocumentFigures{6.5, 1287, 42, -1}; };
     parts.isOperatorBusy_ = [] { return true; };
     startPolling(pollingParams());
-    put(QStringLiteral("print.1"), " PLU x\r\n exit\r\n PLU never\r\n");
+    put(u"print.1"_s, " PLU x\r\n exit\r\n PLU never\r\n");
     engine->timer1Tick();
     EXPECT_EQ(walked.size(), 2);
     EXPECT_EQ(resultLines().mid(2),
               (QStringList{"ccPay0 = a;b;c;d;e;f;g;h", "DateTime end = 02/01/2026 10:20:30", "recStatus = 1;6.50",
                            "receipt = 1287, 42, -1", "exitcode = 0"}));
-    EXPECT_EQ(form.lblreceipt(), QStringLiteral("42"));
+    EXPECT_EQ(form.lblreceipt(), u"42"_s);
     const ReceiptState& state = engine->receiptState();
     EXPECT_EQ(state.TableMode, 0);
     EXPECT_EQ(state.currentTable(), -1);
@@ -152,49 +150,52 @@ TEST_F(EngineTest, BadInputStillGetsItsClosingLinesAndPollingGoesOn)
     });
     startPolling(pollingParams());
 
-    put(QStringLiteral("print.1"), QByteArray("\x00\xff\x81garbage\r\n boom\r\n after\r\n", 23));
+    put(u"print.1"_s, QByteArray("\x00\xff\x81garbage\r\n boom\r\n after\r\n", 23));
     engine->timer1Tick();
     EXPECT_EQ(walked.size(), 1);
-    EXPECT_EQ(resultLines().last(), QStringLiteral("exitcode = 0"));
-    EXPECT_EQ(person.messages.last().text, QStringLiteral("Λάθος : interpreter fault"));
+    EXPECT_EQ(resultLines().last(), u"exitcode = 0"_s);
+    EXPECT_EQ(person.messages.last().text, u"Λάθος : interpreter fault"_s);
 
-    put(QStringLiteral("print.1"), "resFile:  no\\such\\dir\\res.txt\r\n PLU x\r\n");
+    put(u"print.1"_s, "resFile:  no\\such\\dir\\res.txt\r\n PLU x\r\n");
     engine->timer1Tick();
-    EXPECT_TRUE(person.messages.last().text.startsWith(QStringLiteral("Δεν ήταν δυνατή η εγγραφή")));
-    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.1"))));
+    EXPECT_TRUE(person.messages.last().text.startsWith(u"Δεν ήταν δυνατή η εγγραφή"_s));
+    EXPECT_FALSE(QFile::exists(inPath(u"print.1"_s)));
     EXPECT_TRUE(engine->timer1().armed);
 }
 
 TEST_F(EngineTest, ParamFileGoneAtATickIsShownAndPollingResumesWhenItIsBack)
 {
     startPolling(pollingParams());
-    const QString param = dir.filePath(QStringLiteral("param.ini"));
-    QFile::rename(param, param + QStringLiteral(".away"));
-    put(QStringLiteral("print.1"), "tag:  waiting\r\n");
+    const QString param = dir.filePath(u"param.ini"_s);
+    QFile::rename(param, param + u".away"_s);
+    put(u"print.1"_s, "tag:  waiting\r\n");
     engine->timer1Tick();
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Λάθος : Δεν βρέθηκε το αρχείο παραμέτρων param.ini"));
-    EXPECT_TRUE(QFile::exists(inPath(QStringLiteral("print.1"))));
+    EXPECT_EQ(form.comstattxt(), u"Λάθος : Δεν βρέθηκε το αρχείο παραμέτρων param.ini"_s);
+    EXPECT_TRUE(QFile::exists(inPath(u"print.1"_s)));
 
-    QFile::rename(param + QStringLiteral(".away"), param);
+    QFile::rename(param + u".away"_s, param);
     engine->timer1Tick();
-    EXPECT_FALSE(QFile::exists(inPath(QStringLiteral("print.1"))));
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Αναμονη Για Στοιχεια...."));
+    EXPECT_FALSE(QFile::exists(inPath(u"print.1"_s)));
+    EXPECT_EQ(form.comstattxt(), u"Αναμονη Για Στοιχεια...."_s);
 }
 
-TEST_F(EngineTest, ThePrintJobIsTheResultFilesOneWriterAndOnlyWhileItRuns)
+TEST_F(EngineTest, ThePrintJobIsTheResultFilesOneWriterOnlyWhileItRunsInWindows1253WithCrLf)
 {
     parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
         if (line == QLatin1String(" SND x"))
-            engine->resultSink().appendResultLine(QStringLiteral("Err = 44, [x] DateTime = now"));
+            engine->resultSink().appendResultLine(u"Err = 44, [Ψ/] DateTime = now"_s);
         return true;
     });
     startPolling(pollingParams());
-    engine->resultSink().appendResultLine(QStringLiteral("before any job"));
-    put(QStringLiteral("print.1"), "tag:  sink\r\n SND x\r\n");
+    engine->resultSink().appendResultLine(u"before any job"_s);
+    put(u"print.1"_s, "resFile:  res.txt\r\ntag:  sink\r\n SND x\r\n");
     engine->timer1Tick();
-    engine->resultSink().appendResultLine(QStringLiteral("after the job"));
-    EXPECT_EQ(resultLines().mid(0, 3),
-              (QStringList{"tag = sink", "DateTime start = 02/01/2026 10:20:30", "Err = 44, [x] DateTime = now"}));
-    EXPECT_EQ(resultLines().last(), QStringLiteral("exitcode = 0"));
-    EXPECT_EQ(resultLines().size(), 7);
+    engine->resultSink().appendResultLine(u"after the job"_s);
+    QFile file(dir.filePath(u"res.txt"_s));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().startsWith("tag = sink\r\nDateTime start = 02/01/2026 10:20:30\r\n"
+                                          "Err = 44, [\xD8/] DateTime = now\r\n"));
+    EXPECT_EQ(resultLines(u"res.txt"_s).last(), u"exitcode = 0"_s);
+    EXPECT_EQ(resultLines(u"res.txt"_s).size(), 7);
+    EXPECT_TRUE(resultLines().isEmpty());
 }

@@ -6,8 +6,8 @@ TEST_F(EngineTest, StartOpensTheLinkReadsVatRatesAndSearches)
     parts.readDeviceVatRates_ = [&] { ++vatReads; };
     writeParams(pollingParams());
     start();
-    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναζήτηση"));
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Εύρεση Φορολογικής Ταμειακής !!! "));
+    EXPECT_EQ(form.caption(), u"Kerbano- Αναζήτηση"_s);
+    EXPECT_EQ(form.comstattxt(), u"Εύρεση Φορολογικής Ταμειακής !!! "_s);
     EXPECT_EQ(link.opens, 1);
     EXPECT_EQ(vatReads, 1);
     EXPECT_TRUE(engine->timer2().armed);
@@ -16,19 +16,19 @@ TEST_F(EngineTest, StartOpensTheLinkReadsVatRatesAndSearches)
     EXPECT_FALSE(engine->timer1().armed);
     EXPECT_FALSE(form.state().command1Enabled);
     EXPECT_FALSE(form.state().command2Enabled);
-    EXPECT_EQ(form.state().filetxt, QStringLiteral("print @Path : in\\"));
-    EXPECT_EQ(form.state().desctxt, QStringLiteral("Να Εκτυπωνεται"));
+    EXPECT_EQ(form.state().filetxt, u"print @Path : in\\"_s);
+    EXPECT_EQ(form.state().desctxt, u"Να Εκτυπωνεται"_s);
     EXPECT_EQ(engine->DeviceType(), 1);
 }
 
 TEST_F(EngineTest, FailedLinkAtStartLeavesEveryTimerOffAndTheMenusClosed)
 {
     link.openStatus = -1;
-    link.openReply = QStringLiteral("Πρόβλημα στην Θύρα :com9");
+    link.openReply = u"Πρόβλημα στην Θύρα :com9"_s;
     writeParams(pollingParams());
     start();
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Λάθος : -1 - Πρόβλημα στην Θύρα :com9"));
-    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναζήτηση"));
+    EXPECT_EQ(form.comstattxt(), u"Λάθος : -1 - Πρόβλημα στην Θύρα :com9"_s);
+    EXPECT_EQ(form.caption(), u"Kerbano- Αναζήτηση"_s);
     EXPECT_FALSE(engine->timer1().armed || engine->timer2().armed || engine->mTimer().armed);
     EXPECT_EQ(engine->timer2().intervalMs, 1000);
     const std::pair<const char*, FormModel::Entry> closed[] = {
@@ -48,11 +48,11 @@ TEST_F(EngineTest, ThreeFailedSearchesLeaveTheDeviceOffLineForGood)
     for (int i = 0; i < 3; ++i)
         engine->timer2Tick();
     EXPECT_EQ(engine->searchFailures(), 3);
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Εύρεση Φορολογικής Ταμειακής !!! "));
+    EXPECT_EQ(form.comstattxt(), u"Εύρεση Φορολογικής Ταμειακής !!! "_s);
     engine->timer2Tick();
     engine->timer2Tick();
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Φορολογικός Εκτυπωτής Off-Line, Εκτυπώσεις Ανενεργές !"));
-    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Λάθος!"));
+    EXPECT_EQ(form.comstattxt(), u"Φορολογικός Εκτυπωτής Off-Line, Εκτυπώσεις Ανενεργές !"_s);
+    EXPECT_EQ(form.caption(), u"Kerbano- Λάθος!"_s);
     EXPECT_EQ(printer->ops.size(), 3); // no more questions to the register
     EXPECT_TRUE(engine->timer2().armed);
     EXPECT_FALSE(form.state().command1Enabled);
@@ -75,8 +75,8 @@ TEST_F(EngineTest, DeviceAnsweringMakesTheProgramReadyAndAutoStartPolls)
     EXPECT_TRUE(form.state().baudShown);
     EXPECT_FALSE(engine->timer2().armed);
     EXPECT_FALSE(form.state().menus.reports.enabled); // AutoStart went on to polling
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Αναμονη Για Στοιχεια...."));
-    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Αναμονη"));
+    EXPECT_EQ(form.comstattxt(), u"Αναμονη Για Στοιχεια...."_s);
+    EXPECT_EQ(form.caption(), u"Kerbano- Αναμονη"_s);
     EXPECT_TRUE(engine->timer1().armed);
     EXPECT_FALSE(form.state().formShown);
 }
@@ -89,8 +89,8 @@ TEST_F(EngineTest, ButtonsAlternatePollingAndStoppedWithTheirCheckMarks)
     EXPECT_FALSE(form.state().menus.pStart.checked || form.state().menus.pStop.checked);
 
     engine->timer2Tick();
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Φορολογικός Εκτυπωτής ON-Line, Έτοιμος Για Εκτυπωσεις"));
-    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Έτοιμο"));
+    EXPECT_EQ(form.comstattxt(), u"Φορολογικός Εκτυπωτής ON-Line, Έτοιμος Για Εκτυπωσεις"_s);
+    EXPECT_EQ(form.caption(), u"Kerbano- Έτοιμο"_s);
     EXPECT_TRUE(form.state().command1Enabled);
     EXPECT_TRUE(form.state().menus.reports.enabled);
 
@@ -106,8 +106,8 @@ TEST_F(EngineTest, ButtonsAlternatePollingAndStoppedWithTheirCheckMarks)
 
     engine->command2();
     EXPECT_FALSE(engine->timer1().armed);
-    EXPECT_EQ(form.comstattxt(), QStringLiteral("Διακοπη Εκτυπωσεων. Πατηστε Εναρξη Εκτυπωσεων!!! "));
-    EXPECT_EQ(form.caption(), QStringLiteral("Kerbano- Διακοπηκε"));
+    EXPECT_EQ(form.comstattxt(), u"Διακοπη Εκτυπωσεων. Πατηστε Εναρξη Εκτυπωσεων!!! "_s);
+    EXPECT_EQ(form.caption(), u"Kerbano- Διακοπηκε"_s);
     EXPECT_TRUE(form.state().menus.reports.enabled && form.state().menus.Settings.enabled);
     engine->mTimerTick();
     EXPECT_FALSE(form.state().menus.pStart.checked);
@@ -121,7 +121,7 @@ TEST_F(EngineTest, TheTrayTipFollowsTheCaptionAtEachUpkeepCutToSixtyThreeCharact
     engine->timer2Tick();
     EXPECT_TRUE(form.trayTip().isEmpty()); // only the upkeep moves it
     engine->mTimerTick();
-    EXPECT_EQ(form.trayTip(), QStringLiteral("Kerbano- Έτοιμο"));
+    EXPECT_EQ(form.trayTip(), u"Kerbano- Έτοιμο"_s);
 
     form.setCaption(QString(70, QLatin1Char('K')));
     engine->mTimerTick();

@@ -17,19 +17,20 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 class ParamWindowTest : public ::testing::Test {
 protected:
     QTemporaryDir dir;
-    SettingsFiles files{dir.filePath(QStringLiteral("param.ini")), dir.filePath(QStringLiteral("vats.dat")),
-                        dir.filePath(QStringLiteral("mail.ini"))};
+    SettingsFiles files{dir.filePath(u"param.ini"_s), dir.filePath(u"vats.dat"_s), dir.filePath(u"mail.ini"_s)};
     QStringList told;
 
     std::unique_ptr<ParamWindow> open(StartOnlySettings startOnly = {})
     {
         auto w = std::make_unique<ParamWindow>(files, startOnly);
-        w->setTell([this](const QString& title, const QString& text, bool) { told << title + QStringLiteral(": ") + text; });
+        w->setTell([this](const QString& title, const QString& text, bool) { told << title + u": "_s + text; });
         return w;
     }
     template <typename W>
@@ -54,25 +55,25 @@ TEST_F(ParamWindowTest, SavedSettingsWriteTheThirtyEightLineFileTheRatesAndMailI
 {
     auto w = open(StartOnlySettings{true, false, QString(), 0});
     QSignalSpy ended(w.get(), &ParamWindow::savedEndProgram);
-    type(*w, "comtxt", QStringLiteral("192.168.1.20"));
+    type(*w, "comtxt", u"192.168.1.20"_s);
     EXPECT_TRUE(get<QComboBox>(*w, "baudtxt")->isHidden()); // an address has no speed
-    type(*w, "filetxt", QStringLiteral("print"));
-    type(*w, "location", QStringLiteral("\\ταμείο\\"));
+    type(*w, "filetxt", u"print"_s);
+    type(*w, "location", u"\\ταμείο\\"_s);
     get<QCheckBox>(*w, "multi_print")->setChecked(true);
     get<QCheckBox>(*w, "print_code_numeric")->click();
     get<QCheckBox>(*w, "print_code_ascii")->click(); // takes the numeric one off
     get<QRadioButton>(*w, "total_2")->setChecked(true);
     get<QCheckBox>(*w, "ChkAuto")->setChecked(true);
-    type(*w, "txtemail", QStringLiteral("z@shop.gr"));
+    type(*w, "txtemail", u"z@shop.gr"_s);
     EXPECT_FALSE(get<QCheckBox>(*w, "chkAutomailsend")->isEnabled());
     const char* const rates[] = {"24", "13", "6", "0", "17.5"};
     for (int i = 0; i < 5; ++i)
-        qobject_cast<QLineEdit*>(w->control(QStringLiteral("txtVatRate(%1)").arg(i)))->setText(QString::fromLatin1(rates[i]));
-    type(*w, "smtpHost", QStringLiteral("mail.shop.gr"));
+        qobject_cast<QLineEdit*>(w->control(u"txtVatRate(%1)"_s.arg(i)))->setText(QString::fromLatin1(rates[i]));
+    type(*w, "smtpHost", u"mail.shop.gr"_s);
     get<QComboBox>(*w, "smtpSecurity")->setCurrentIndex(1);
-    type(*w, "smtpUser", QStringLiteral("kerbano"));
-    type(*w, "smtpPassword", QStringLiteral("μυστικό"));
-    type(*w, "smtpFrom", QStringLiteral("kerbano@shop.gr"));
+    type(*w, "smtpUser", u"kerbano"_s);
+    type(*w, "smtpPassword", u"μυστικό"_s);
+    type(*w, "smtpFrom", u"kerbano@shop.gr"_s);
 
     get<QPushButton>(*w, "OK")->click();
     EXPECT_EQ(ended.count(), 1);
@@ -81,7 +82,7 @@ TEST_F(ParamWindowTest, SavedSettingsWriteTheThirtyEightLineFileTheRatesAndMailI
     const QByteArray written = bytes(files.param);
     EXPECT_EQ(written.count("\r\n"), 38);
     EXPECT_EQ(written.count('\n'), 38);
-    const QStringList lines = codepage::fromWin1253(written).split(QStringLiteral("\r\n"));
+    const QStringList lines = codepage::fromWin1253(written).split(u"\r\n"_s);
     EXPECT_EQ(lines.at(3), "[port] 192.168.1.20:9101");
     EXPECT_EQ(lines.at(22), "[print_code] true A");
     EXPECT_EQ(lines.at(24), "[currency]=2");
@@ -100,7 +101,7 @@ TEST_F(ParamWindowTest, SavedSettingsWriteTheThirtyEightLineFileTheRatesAndMailI
     EXPECT_EQ(mail.password, "μυστικό");
 
     // Opened again, the form shows what it wrote.
-    auto again = open(StartOnlySettings{true, false, QStringLiteral("z@shop.gr"), 1});
+    auto again = open(StartOnlySettings{true, false, u"z@shop.gr"_s, 1});
     const ParamFormValues v = again->values();
     EXPECT_EQ(v.comtxt, "192.168.1.20:9101");
     EXPECT_EQ(v.filetxt, "print");
@@ -120,13 +121,13 @@ TEST_F(ParamWindowTest, AnEmptyPortLettersInTheSpeedOrABadRateAreRefusedAndNothi
     auto w = open();
     const QByteArray ratesAtOpening = bytes(files.vats);
     QSignalSpy ended(w.get(), &ParamWindow::savedEndProgram);
-    type(*w, "comtxt", QStringLiteral("  "));
+    type(*w, "comtxt", u"  "_s);
     get<QPushButton>(*w, "OK")->click();
-    type(*w, "comtxt", QStringLiteral("com2"));
-    get<QComboBox>(*w, "baudtxt")->setCurrentText(QStringLiteral("96OO"));
+    type(*w, "comtxt", u"com2"_s);
+    get<QComboBox>(*w, "baudtxt")->setCurrentText(u"96OO"_s);
     get<QPushButton>(*w, "OK")->click();
-    get<QComboBox>(*w, "baudtxt")->setCurrentText(QStringLiteral("19200"));
-    qobject_cast<QLineEdit*>(w->control(QStringLiteral("txtVatRate(2)")))->setText(QStringLiteral("έξι"));
+    get<QComboBox>(*w, "baudtxt")->setCurrentText(u"19200"_s);
+    qobject_cast<QLineEdit*>(w->control(u"txtVatRate(2)"_s))->setText(u"έξι"_s);
     get<QPushButton>(*w, "OK")->click();
     EXPECT_EQ(told, QStringList({"Παράμετροι Kerbano: Η πόρτα επικοινωνίας δεν μπορεί να είναι κενή !",
                                  "Παράμετροι Kerbano: Η ταχύτητα πρέπει να είναι αριθμός, π.χ. 9600 !",
@@ -139,11 +140,11 @@ TEST_F(ParamWindowTest, AnEmptyPortLettersInTheSpeedOrABadRateAreRefusedAndNothi
 
 TEST_F(ParamWindowTest, AParamFileThatCannotBeWrittenKeepsTheFormOpenAndTheProgramRunning)
 {
-    ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("param.ini"))); // a folder in its place
+    ASSERT_TRUE(QDir(dir.path()).mkdir(u"param.ini"_s)); // a folder in its place
     auto w = open();
     const QByteArray ratesAtOpening = bytes(files.vats);
     QSignalSpy ended(w.get(), &ParamWindow::savedEndProgram);
-    type(*w, "comtxt", QStringLiteral("COM1"));
+    type(*w, "comtxt", u"COM1"_s);
     get<QPushButton>(*w, "OK")->click();
     EXPECT_EQ(ended.count(), 0);
     ASSERT_EQ(told.size(), 1);

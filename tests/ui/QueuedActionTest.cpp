@@ -15,6 +15,8 @@
 #include <atomic>
 #include <gtest/gtest.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 template <typename Pred>
 bool waitFor(Pred pred, int ms = 10000)
@@ -31,9 +33,9 @@ TEST(QueuedActions, AnEntryChosenWhileAnotherRunsWaitsBehindItOnTheEngineThread)
 {
     QTemporaryDir dir;
     ParamFormValues params;
-    params.comtxt = QStringLiteral("127.0.0.1:1"); // nobody listens: the link fails at once
-    params.filetxt = QStringLiteral("print");
-    ASSERT_TRUE(writeParamFile(dir.filePath(QStringLiteral("param.ini")), params, QDate(2026, 1, 2)));
+    params.comtxt = u"127.0.0.1:1"_s; // nobody listens: the link fails at once
+    params.filetxt = u"print"_s;
+    ASSERT_TRUE(writeParamFile(dir.filePath(u"param.ini"_s), params, QDate(2026, 1, 2)));
 
     EngineThread::Setup setup;
     setup.driver = DriverOptions{dir.path(), dir.path(), QString(), true};
@@ -57,7 +59,7 @@ TEST(QueuedActions, AnEntryChosenWhileAnotherRunsWaitsBehindItOnTheEngineThread)
     std::atomic<bool> running{false};
     std::atomic<Qt::HANDLE> ranOn{nullptr};
     gui.engine().post([&](Driver& d) {
-        d.actions().setHandler(QStringLiteral("param"), [&] {
+        d.actions().setHandler(u"param"_s, [&] {
             ranOn = QThread::currentThreadId();
             running = true;
             while (!release)
@@ -65,11 +67,11 @@ TEST(QueuedActions, AnEntryChosenWhileAnotherRunsWaitsBehindItOnTheEngineThread)
             running = false;
         });
     });
-    emit gui.window().actionRequested(QStringLiteral("param"));
+    emit gui.window().actionRequested(u"param"_s);
     ASSERT_TRUE(waitFor([&] { return running.load(); }));
     EXPECT_NE(ranOn.load(), QThread::currentThreadId());
 
-    emit gui.window().actionRequested(QStringLiteral("about"));
+    emit gui.window().actionRequested(u"about"_s);
     waitFor([] { return false; }, 300);
     EXPECT_EQ(gui.aboutBox(), nullptr); // waits behind the running action
 
@@ -81,7 +83,7 @@ TEST(QueuedActions, AnEntryChosenWhileAnotherRunsWaitsBehindItOnTheEngineThread)
     // end ends, through the engine.
     int code = -1;
     QObject::connect(&gui, &KerbanoGui::ended, [&](int c) { code = c; });
-    emit gui.window().actionRequested(QStringLiteral("end"));
+    emit gui.window().actionRequested(u"end"_s);
     ASSERT_TRUE(waitFor([&] { return code == 0; }));
     gui.stop();
 }

@@ -22,6 +22,8 @@
 #include <gtest/gtest.h>
 #include <map>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 struct NoResults final : ResultSink {
@@ -83,14 +85,14 @@ protected:
                 const QString command = QString::fromLatin1(w);
                 sent << command;
                 auto& q = replies[command];
-                const QString answer = q.empty() ? QStringLiteral("00/00/00/") : q.front();
+                const QString answer = q.empty() ? u"00/00/00/"_s : q.front();
                 if (q.size() > 1)
                     q.pop_front();
                 t.deliver(answer.toLatin1() + "\x03", 5);
             };
         };
-        link.OpenDeviceLink(QStringLiteral("127.0.0.1:9101"), status, reply, false);
-        vars.DeviceLabel = QStringLiteral("TEC 12345"); // as identification would name it
+        link.OpenDeviceLink(u"127.0.0.1:9101"_s, status, reply, false);
+        vars.DeviceLabel = u"TEC 12345"_s; // as identification would name it
         sent.clear();
     }
     void send(const QString& command) { link.SendCommand(command, status, reply, false, timeout, 0); }
@@ -113,7 +115,7 @@ protected:
     QString reply;
 };
 
-const QString kSale = QStringLiteral("3/S/A//1.000/1.00/1/24.00/");
+const QString kSale = u"3/S/A//1.000/1.00/1/24.00/"_s;
 
 } // namespace
 
@@ -180,8 +182,7 @@ TEST(GuiOperatorThreads, TheEngineThreadsQuestionIsAnsweredOnTheGuiThreadWhichKe
     Qt::HANDLE askedFrom = nullptr;
     std::unique_ptr<QThread> engine(QThread::create([&] {
         askedFrom = QThread::currentThreadId();
-        got = gui.message(QStringLiteral("TEC 12345"), QStringLiteral("Λάθος : 7"), Operator::Icon::Critical,
-                          Operator::Buttons::YesNo);
+        got = gui.message(u"TEC 12345"_s, u"Λάθος : 7"_s, Operator::Icon::Critical, Operator::Buttons::YesNo);
     }));
     engine->start();
     while (!engine->isFinished())
@@ -194,8 +195,7 @@ TEST(GuiOperatorThreads, TheEngineThreadsQuestionIsAnsweredOnTheGuiThreadWhichKe
     // At the end a question is answered at once, and a wait counts as closed.
     gui.release();
     std::unique_ptr<QThread> late(QThread::create([&] {
-        got = gui.message(QStringLiteral("TEC 12345"), QStringLiteral("x"), Operator::Icon::Critical,
-                          Operator::Buttons::YesNo);
+        got = gui.message(u"TEC 12345"_s, u"x"_s, Operator::Icon::Critical, Operator::Buttons::YesNo);
     }));
     late->start();
     late->wait();
