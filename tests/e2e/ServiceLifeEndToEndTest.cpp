@@ -1,6 +1,7 @@
 // kerbano as a service lives: signals at a wait, in the middle of a job and
 // when idle, the wait limit of the command-line life, the communication log
 // and one kerbano per port, against the real executables.
+#include "LiveKerbano.h"
 #include "SimProcess.h"
 #include "shell/CodePage.h"
 
@@ -18,8 +19,7 @@
 #include <csignal>
 
 namespace {
-constexpr int kStartMs = 5000;
-constexpr int kEventMs = 20000;
+constexpr int kEventMs = LiveKerbano::kEventMs;
 const char kFlags[] = "1110111";
 
 QByteArray readBytes(const QString& path)
@@ -44,69 +44,6 @@ QByteArray itemsPrintFile(int count)
     file += codepage::toWin1253(QStringLiteral(" tot   1       0.00ΜΕΤΡΗΤΑ\r\n"));
     return file;
 }
-
-// One kerbano --headless, watched while it runs and signalled at will.
-class LiveKerbano {
-public:
-    LiveKerbano(const QString& workDir, const QStringList& arguments)
-    {
-        process_.setWorkingDirectory(workDir);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
-        process_.setProcessEnvironment(environment);
-        process_.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"),
-                       QStringList{QStringLiteral("--headless")} + arguments);
-        started_ = process_.waitForStarted(kStartMs);
-    }
-    ~LiveKerbano()
-    {
-        if (process_.state() != QProcess::NotRunning) {
-            process_.kill();
-            process_.waitForFinished(kStartMs);
-        }
-    }
-
-    bool started() const { return started_; }
-    // Waits until stdout or stderr holds text; false when it never came.
-    bool waitFor(const QString& text, int timeoutMs = kEventMs)
-    {
-        const QDeadlineTimer deadline(timeoutMs);
-        while (!said().contains(text)) {
-            if (process_.state() == QProcess::NotRunning || deadline.hasExpired())
-                return false;
-            process_.waitForReadyRead(100);
-            take();
-        }
-        return true;
-    }
-    void signal(int number) { ::kill(pid_t(process_.processId()), number); }
-    bool running() { return process_.state() == QProcess::Running; }
-    // True when it ended in time; the exit code, or -1 for a death by signal.
-    bool waitEnd(int timeoutMs = kEventMs)
-    {
-        const bool ended = process_.waitForFinished(timeoutMs);
-        take();
-        return ended;
-    }
-    int exitCode() const
-    {
-        return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
-    }
-    QString said() const { return QString::fromUtf8(out_ + err_); }
-    QString err() const { return QString::fromUtf8(err_); }
-
-private:
-    void take()
-    {
-        out_ += process_.readAllStandardOutput();
-        err_ += process_.readAllStandardError();
-    }
-
-    QProcess process_;
-    bool started_ = false;
-    QByteArray out_;
-    QByteArray err_;
-};
 
 class ServiceLifeEndToEnd : public ::testing::Test {
 protected:

@@ -49,10 +49,12 @@ TEST(KerbanoExecutable, WrongCommandLineEndsAtOnceWithoutAWord)
     EXPECT_TRUE(wrong.err.isEmpty()) << wrong.err.toStdString();
 }
 
-TEST(KerbanoExecutable, HeadlessWithoutParamFileSaysSoAndEnds)
+// The resident life waits for param.ini instead (ServiceStartEndToEndTest).
+TEST(KerbanoExecutable, OneMenuActionWithoutParamFileSaysSoAndEnds)
 {
     QTemporaryDir dir;
-    const ProcessRun run = runKerbano(dir.path(), {QStringLiteral("--headless")});
+    const ProcessRun run = runKerbano(dir.path(), {QStringLiteral("--headless"), QStringLiteral("--run"),
+                                                   QStringLiteral("Ver")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(run.err.contains(QStringLiteral("param.ini"))) << run.err.toStdString();
 }
