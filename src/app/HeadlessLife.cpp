@@ -124,17 +124,13 @@ int runHeadless(const Arguments& args)
         QCoreApplication::exit(exitCodeOf(code, vars, args.waitLimitSeconds));
     });
     QTimer::singleShot(0, &engine, [&] {
-        bool started = true;
-        if (oneAction)
-            started = actionRun.start();
-        else
-            engine.Form_Load();
         if (!oneAction) {
+            engine.Form_Load();
             paramWait.beginIfMissing();
             return;
         }
         // One action with no param.ini: nobody is there to fix it; end.
-        if (started && !engine.hasEnded() && !engine.parametersRead())
+        if (actionRun.start() && !engine.hasEnded() && !engine.parametersRead())
             QCoreApplication::exit(headless::kExitNoParamFile);
     });
     const int code = QCoreApplication::exec();

@@ -12,6 +12,12 @@
 #include <csignal>
 #endif
 
+struct LiveKerbanoOptions {
+    bool windowLife = false;
+    // Runs in the child before kerbano starts (a change of user, say).
+    std::function<void()> inChild;
+};
+
 // One kerbano --headless (or the window's life, with windowLife), watched
 // while it runs and signalled at will; killed when the guard goes.
 class LiveKerbano {
@@ -19,13 +25,8 @@ public:
     static constexpr int kStartMs = 5000;
     static constexpr int kEventMs = 20000;
 
-    struct Options {
-        bool windowLife = false;
-        // Runs in the child before kerbano starts (a change of user, say).
-        std::function<void()> inChild;
-    };
-
-    LiveKerbano(const QString& workDir, const QStringList& arguments, const Options& options = {})
+    LiveKerbano(const QString& workDir, const QStringList& arguments,
+                const LiveKerbanoOptions& options = {})
     {
         process_.setWorkingDirectory(workDir);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

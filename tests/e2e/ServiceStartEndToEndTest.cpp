@@ -138,7 +138,7 @@ TEST_F(ServiceStartEndToEnd, AReadOnlyWorkingDirectoryIsToldAndEachUnwrittenResu
     ASSERT_TRUE(QFile::setPermissions(QDir(shop).filePath(QStringLiteral("in")), everyone));
     ASSERT_TRUE(QFile::setPermissions(shop, readOnly));
 
-    LiveKerbano kerbano(shop, {}, {.inChild = becomeNobody});
+    LiveKerbano kerbano(shop, {}, {.windowLife = false, .inChild = becomeNobody});
     ASSERT_TRUE(kerbano.started());
     ASSERT_TRUE(kerbano.waitFor(QStringLiteral("warning: Ο κατάλογος εργασίας ")))
         << kerbano.said().toStdString();
@@ -196,7 +196,7 @@ TEST_F(ServiceStartEndToEnd, TheWindowsLifeStopsAJobAtALineOnSigterm)
     startRegister("/^3\\/S/ : delay 150\n");
     ASSERT_TRUE(writeBytes(path(QStringLiteral("print.txt")), itemsPrintFile(60)));
     LiveKerbano kerbano(dir.path(), {QStringLiteral("%1,9600,print.txt,0,TECFP,1110111").arg(sim.portField())},
-                        {.windowLife = true});
+                        {.windowLife = true, .inChild = {}});
     ASSERT_TRUE(kerbano.started());
     const QDeadlineTimer printing(kEventMs);
     while (journalCount(QStringLiteral("3/S/")) < 3 && !printing.hasExpired() && kerbano.running())
