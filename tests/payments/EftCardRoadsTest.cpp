@@ -157,7 +157,7 @@ TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgain
     // The register cannot tell: no card command, no alternative, the operator told.
     link.sent.clear();
     cardStatuses = {-4};
-    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+    link.responder = [first = link.responder](const QString& command, ScriptedLink::Answer& a) {
         if (command == kQuery) {
             a.status = -4;
             return true;
@@ -175,7 +175,7 @@ TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgain
 TEST_F(EftCardRoadsTest, ALostAnswerIsNoApprovalWhenTheRegisterListsNoTransaction)
 {
     cardStatuses = {-207};
-    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+    link.responder = [first = link.responder](const QString& command, ScriptedLink::Answer& a) {
         if (command == kQuery) {
             a.reply = QStringLiteral("00/00/00/0/");
             return true;
@@ -224,7 +224,7 @@ TEST_F(EftCardRoadsTest, ATableIsPaidQuietlyReleasesAnOutOfContactTerminalAndFal
     payment.Amount = 0;
     cardStatuses = {201, 201};
     terminal = {"SEND:TIMEOUT WHILE SEND DATA TO POS", "BANK'S HOST UNREACHABLE"};
-    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+    link.responder = [first = link.responder](const QString& command, ScriptedLink::Answer& a) {
         if (command.startsWith(QLatin1String("&/3/12//0/1/"))) {
             a.status = 201;
             return true;
