@@ -237,8 +237,9 @@ TEST_F(EftCardRoadsTest, ATableIsPaidQuietlyReleasesAnOutOfContactTerminalAndFal
                            ")/33/", ")/100/", "&/3/12//0/3///////0.00///2/1/", kQuery,
                            "&/3/12//0/1///////0.00/////"}));
     for (const ScriptedLink::Sent& s : link.sent) {
-        if (s.command != kQuery)
+        if (s.command != kQuery) {
             EXPECT_TRUE(s.quiet) << s.command.toStdString();
+        }
     }
     EXPECT_EQ(link.sent.at(1).logMode, SendOptions::kLogModeProbe);
     EXPECT_EQ(link.sent.at(1).timeoutSeconds, 301);
