@@ -1,8 +1,10 @@
 #include "GuiLife.h"
 
 #include "Arguments.h"
+#include "GuiStopOnSignal.h"
 #include "HeadlessLife.h"
 #include "PortLock.h"
+#include "ProcessSignals.h"
 #include "shell/Paths.h"
 #include "ui/KerbanoGui.h"
 
@@ -43,6 +45,8 @@ int runGui(int argc, char** argv)
                                  args.run.isEmpty()};
     setup.runAction = args.run;
     KerbanoGui gui(std::move(setup));
+    ProcessSignals processSignals;
+    GuiStopOnSignal stopOnSignal(gui.engine(), processSignals);
     QObject::connect(&gui, &KerbanoGui::ended, &app, [](int code) { QApplication::exit(code); });
     gui.start();
     const int code = QApplication::exec();

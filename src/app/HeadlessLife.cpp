@@ -1,6 +1,7 @@
 #include "HeadlessLife.h"
 
 #include "Arguments.h"
+#include "ParamFileWait.h"
 #include "PortLock.h"
 #include "ProcessSignals.h"
 #include "StopOnSignal.h"
@@ -18,6 +19,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QTemporaryFile>
 #include <QTimer>
 #include <cstdio>
 
@@ -48,6 +50,19 @@ int exitCodeOf(int engineCode, const ModuleVariables& vars, int waitLimitSeconds
         return engineCode == 0 ? headless::kExitWaitLimit : engineCode;
     }
     return engineCode;
+}
+// Result files named relative to the working directory, and the program's
+// files when it is also the program's directory, cannot be written there:
+// said once at the start, before any job finds it out.
+void warnWhenReadOnly(const QString& directory)
+{
+    QTemporaryFile probe(QDir(directory).filePath(QStringLiteral(".kerbano-XXXXXX")));
+    if (probe.open())
+        return;
+    console::say(Level::Warning,
+                 QStringLiteral("Ο κατάλογος εργασίας %1 δεν δέχεται εγγραφή: τα αρχεία "
+                                "αποτελεσμάτων που ορίζονται σε αυτόν δεν θα γραφτούν")
+                     .arg(QDir::toNativeSeparators(directory)));
 }
 } // namespace
 
@@ -98,18 +113,24 @@ int runHeadless(const Arguments& args)
     ActionRun actionRun(engine, driver.actions(), args.run);
     ProcessSignals processSignals;
     StopOnSignal stopOnSignal(engine, processSignals);
+    // A resident life begun without param.ini stays up and waits for it.
+    ParamFileWait paramWait(engine, QDir::current().filePath(QStringLiteral("param.ini")),
+                            [&] { return takePortOfLife(args, portLock); },
+                            headless::kExitPortTaken);
+    QObject::connect(&processSignals, &ProcessSignals::reloadAsked, &paramWait, &ParamFileWait::look);
+    warnWhenReadOnly(QDir::currentPath());
 
     QObject::connect(&engine, &Engine::ended, QCoreApplication::instance(), [&](int code) {
         QCoreApplication::exit(exitCodeOf(code, vars, args.waitLimitSeconds));
     });
     QTimer::singleShot(0, &engine, [&] {
-        bool started = true;
-        if (oneAction)
-            started = actionRun.start();
-        else
+        if (!oneAction) {
             engine.Form_Load();
-        // With no param.ini and no window there is nobody to fix it: end.
-        if (started && !engine.hasEnded() && !engine.commandLineLife() && !engine.parametersRead())
+            paramWait.beginIfMissing();
+            return;
+        }
+        // One action with no param.ini: nobody is there to fix it; end.
+        if (actionRun.start() && !engine.hasEnded() && !engine.parametersRead())
             QCoreApplication::exit(headless::kExitNoParamFile);
     });
     const int code = QCoreApplication::exec();

@@ -12,7 +12,7 @@ int runHeadless(const Arguments& args);
 bool takePortOfLife(const Arguments& args, PortLock& lock);
 
 namespace headless {
-// No param.ini, and nobody to fix it.
+// No param.ini for the one menu action of --run (the resident life waits for it).
 constexpr int kExitNoParamFile = 1;
 // The command-line life gave up on a register that stayed busy past --wait-limit.
 constexpr int kExitWaitLimit = 3;

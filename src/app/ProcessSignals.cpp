@@ -1,8 +1,10 @@
 #include "ProcessSignals.h"
 
+#include "shell/Platform.h"
+
 #include <QSocketNotifier>
 
-#ifdef Q_OS_UNIX
+#if KERBANO_POSIX
 #include <atomic>
 #include <cerrno>
 #include <csignal>

@@ -8,25 +8,25 @@ StopOnSignal::StopOnSignal(Engine& engine, ProcessSignals& processSignals, QObje
     , engine_(engine)
 {
     connect(&processSignals, &ProcessSignals::stopAsked, this, [this] {
-        QMetaObject::invokeMethod(&engine_, [this] { stop(); });
+        QMetaObject::invokeMethod(&engine_, [this] { StopEngineOnSignal(engine_); });
     });
     connect(&processSignals, &ProcessSignals::reloadAsked, this, [this] {
         QMetaObject::invokeMethod(&engine_, [this] { reload(); });
     });
 }
 
-void StopOnSignal::stop()
+void StopEngineOnSignal(Engine& engine)
 {
-    ModuleVariables& vars = engine_.moduleVariables();
+    ModuleVariables& vars = engine.moduleVariables();
     if (vars.Stop == StopCause::None)
         vars.Stop = StopCause::Signal;
-    if (!engine_.busy()) {
-        engine_.unload(0);
+    if (!engine.busy()) {
+        engine.unload(0);
         return;
     }
     // Whatever runs now reaches its end first; the engine is free after it.
-    connect(&engine_, &Engine::freed, this, [this] { engine_.unload(0); },
-            Qt::SingleShotConnection);
+    QObject::connect(&engine, &Engine::freed, &engine, [&engine] { engine.unload(0); },
+                     Qt::SingleShotConnection);
 }
 
 void StopOnSignal::reload()

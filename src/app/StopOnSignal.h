@@ -17,8 +17,11 @@ public:
     StopOnSignal(Engine& engine, ProcessSignals& processSignals, QObject* parent = nullptr);
 
 private:
-    void stop();
     void reload();
 
     Engine& engine_;
 };
+
+// The stop itself, run on the engine's own thread: marks the process as
+// ending and unloads the engine now, or once whatever runs has reached its end.
+void StopEngineOnSignal(Engine& engine);

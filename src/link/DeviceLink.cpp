@@ -1,6 +1,7 @@
 #include "link/DeviceLink.h"
 
 #include "link/SerialExchange.h"
+#include "shell/Clock.h"
 
 void DeviceLink::SendCommand(const QString& command, qint16& status, QString& reply, bool quiet,
                              qint16& timeoutSeconds, int logMode)
@@ -17,4 +18,10 @@ void DeviceLink::SendCommand(const QString& command, qint16& status, QString& re
 {
     qint16 timeoutSeconds = 0;
     SendCommand(command, status, reply, quiet, timeoutSeconds, logMode);
+}
+
+bool DeviceLink::pauseBeforeAskingAgain(Clock& clock, qint64 ms, qint64 /*waitSinceMs*/)
+{
+    clock.sleepMs(ms);
+    return true;
 }

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QtGlobal>
 
+class Clock;
+
 // How one command is to be sent.
 struct SendOptions {
     // A failed command leaves an "Err = " line in the result file.
@@ -57,6 +59,14 @@ public:
     // What the operator sees of a status: a message box, or the device-wait
     // window that polls until the register clears.
     virtual void ShowDeviceMessage(qint16 status, const QString& reply) = 0;
+
+    // The pause of a caller that asks the register again and again until it
+    // clears (the zero payment of WaitForRegister): waits ms, and answers
+    // false when the wait is to be given up instead, as the device-wait
+    // window gives it up (the process is ending, or the wait since
+    // waitSinceMs passed its limit; never while a card payment runs). A
+    // scripted link just sleeps on the clock.
+    virtual bool pauseBeforeAskingAgain(Clock& clock, qint64 ms, qint64 waitSinceMs);
 
     // Opens the link named by [port] ("comN", a "/dev/" path, or address:port)
     // and identifies the register; failures come back as status and text and

@@ -97,6 +97,9 @@ public:
     void CloseDeviceLink() override;
     bool isConnected() const override;
     bool tcpPort() const override;
+    // Runs the event loop meanwhile (a signal's stop is seen there) and gives
+    // up as the device-wait window does.
+    bool pauseBeforeAskingAgain(Clock& clock, qint64 ms, qint64 waitSinceMs) override;
 
     cPortProp& PortObject();
 

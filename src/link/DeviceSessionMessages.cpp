@@ -107,3 +107,11 @@ bool DeviceSession::waitGivenUp(qint64 waitSinceMs)
     }
     return false;
 }
+
+bool DeviceSession::pauseBeforeAskingAgain(Clock& /*clock*/, qint64 ms, qint64 waitSinceMs)
+{
+    if (waitGivenUp(waitSinceMs))
+        return false;
+    WaitPumping(ms);
+    return !waitGivenUp(waitSinceMs);
+}

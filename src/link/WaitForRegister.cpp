@@ -14,6 +14,7 @@ qint16 WaitForRegister(DeviceLink& link, Operator& op, Clock& clock)
 {
     const SendOptions probe{.quiet = true, .logMode = SendOptions::kLogModeProbe};
     const SendOptions release{.quiet = false, .logMode = SendOptions::kLogModeProbe};
+    const qint64 waitSinceMs = clock.monotonicMs();
     bool shown = false;
     qint16 status = 0;
     for (;;) {
@@ -39,7 +40,8 @@ qint16 WaitForRegister(DeviceLink& link, Operator& op, Clock& clock)
         }
         if (op.waitWindowClosedByOperator())
             break;
-        clock.sleepMs(kRetryDelayMs);
+        if (!link.pauseBeforeAskingAgain(clock, kRetryDelayMs, waitSinceMs))
+            break;
     }
     if (shown)
         op.closeWaitWindow();

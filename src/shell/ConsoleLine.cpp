@@ -1,9 +1,10 @@
 #include "shell/ConsoleLine.h"
+#include "shell/Platform.h"
 
 #include <QByteArray>
 #include <cstdio>
 
-#ifdef Q_OS_UNIX
+#if KERBANO_POSIX
 #include <sys/stat.h>
 #endif
 
@@ -25,7 +26,7 @@ QString levelPrefix(Level level, bool toJournal)
 // systemd names the journal's stream in JOURNAL_STREAM as "device:inode".
 bool stderrIsJournal()
 {
-#ifdef Q_OS_UNIX
+#if KERBANO_POSIX
     const QByteArray stream = qgetenv("JOURNAL_STREAM");
     if (stream.isEmpty())
         return false;

@@ -1,13 +1,14 @@
 #include "shell/FileProcedures.h"
 
 #include "shell/CodePage.h"
+#include "shell/Platform.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #ifdef Q_OS_WIN
 #include <windows.h>
-#else
+#elif KERBANO_POSIX
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -39,7 +40,7 @@ bool openForAppendDenyingWriters(const QString& path)
     CloseHandle(h);
     return true;
 }
-#else
+#elif KERBANO_POSIX
 // A write lease is granted only while no other descriptor has the file open.
 OthersHoldIt probeWithLease(const QString& path)
 {
@@ -55,6 +56,12 @@ OthersHoldIt probeWithLease(const QString& path)
     }
     ::close(fd);
     return answer;
+}
+#else
+// No lease to ask for: only the file's look from tick to tick can tell.
+OthersHoldIt probeWithLease(const QString&)
+{
+    return OthersHoldIt::CannotTell;
 }
 #endif
 

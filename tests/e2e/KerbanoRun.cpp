@@ -7,14 +7,18 @@
 #include <csignal>
 #endif
 
-KerbanoProcess::KerbanoProcess(const QString& workDir, const QStringList& arguments)
+KerbanoProcess::KerbanoProcess(const QString& workDir, const QStringList& arguments,
+                               const KerbanoProcessOptions& options)
 {
     process_.setWorkingDirectory(workDir);
     // Its own home too, so that runs side by side share no log or order store.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
     process_.setProcessEnvironment(environment);
-    process_.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), QStringList{QStringLiteral("--headless")} + arguments);
+    if (options.inChild)
+        process_.setChildProcessModifier(options.inChild);
+    const QStringList life = options.windowLife ? QStringList{} : QStringList{QStringLiteral("--headless")};
+    process_.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), life + arguments);
     started_ = process_.waitForStarted(kStartMs);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QByteArray>
 #include <QProcess>
 #include <QString>
@@ -7,12 +9,18 @@
 
 // One kerbano --headless with its own home, watched while it runs and
 // signalled at will; killed when it goes, whatever the test did.
+struct KerbanoProcessOptions {
+    bool windowLife = false;
+    // Runs in the child before kerbano starts (a change of user, say).
+    std::function<void()> inChild;
+};
+
 class KerbanoProcess {
 public:
     static constexpr int kStartMs = 5000;
     static constexpr int kEventMs = 20000;
 
-    KerbanoProcess(const QString& workDir, const QStringList& arguments);
+    KerbanoProcess(const QString& workDir, const QStringList& arguments, const KerbanoProcessOptions& options = {});
     ~KerbanoProcess();
 
     bool started() const { return started_; }
@@ -21,6 +29,7 @@ public:
     // True when it ended in time.
     bool waitEnd(int timeoutMs = kEventMs);
     void signal(int number);
+    bool running() const { return process_.state() == QProcess::Running; }
     // The exit code, or -1 for a death by signal.
     int exitCode() const;
     QByteArray out() const { return out_; }

@@ -59,7 +59,8 @@ TEST_F(ServiceLifeEndToEnd, AWrongCommandLineOrNoParamFileEndsAtOnceAndAFailedLi
     EXPECT_TRUE(wrong.out.isEmpty()) << wrong.out.toStdString();
     EXPECT_TRUE(wrong.err.isEmpty()) << wrong.err.toStdString();
 
-    const KerbanoRun noParams = runKerbanoHeadless(dir.path(), QStringList(), kEventMs);
+    // The resident life waits for param.ini instead (ServiceStartEndToEndTest).
+    const KerbanoRun noParams = runKerbanoHeadless(dir.path(), QStringList{u"--run"_s, u"Ver"_s}, kEventMs);
     EXPECT_EQ(noParams.exitCode, 1);
     EXPECT_TRUE(noParams.err.contains("param.ini")) << noParams.err.toStdString();
 

@@ -156,7 +156,7 @@ TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgain
     // The register cannot tell: no card command, no alternative, the operator told.
     link.sent.clear();
     cardStatuses = {-4};
-    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+    link.responder = [first = link.responder](const QString& command, ScriptedLink::Answer& a) {
         if (command == kQuery) {
             a.status = -4;
             return true;
@@ -174,7 +174,7 @@ TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgain
 TEST_F(EftCardRoadsTest, ALostAnswerIsNoApprovalWhenTheRegisterListsNoTransaction)
 {
     cardStatuses = {-207};
-    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+    link.responder = [first = link.responder](const QString& command, ScriptedLink::Answer& a) {
         if (command == kQuery) {
             a.reply = u"00/00/00/0/"_s;
             return true;
@@ -223,7 +223,7 @@ TEST_F(EftCardRoadsTest, ATableIsPaidQuietlyReleasesAnOutOfContactTerminalAndFal
     payment.Amount = 0;
     cardStatuses = {201, 201};
     terminal = {"SEND:TIMEOUT WHILE SEND DATA TO POS", "BANK'S HOST UNREACHABLE"};
-    link.responder = [this, first = link.responder](const QString& command, ScriptedLink::Answer& a) {
+    link.responder = [first = link.responder](const QString& command, ScriptedLink::Answer& a) {
         if (command.startsWith(QLatin1String("&/3/12//0/1/"))) {
             a.status = 201;
             return true;
@@ -236,8 +236,9 @@ TEST_F(EftCardRoadsTest, ATableIsPaidQuietlyReleasesAnOutOfContactTerminalAndFal
                            ")/33/", ")/100/", "&/3/12//0/3///////0.00///2/1/", kQuery,
                            "&/3/12//0/1///////0.00/////"}));
     for (const ScriptedLink::Sent& s : link.sent) {
-        if (s.command != kQuery)
+        if (s.command != kQuery) {
             EXPECT_TRUE(s.quiet) << s.command.toStdString();
+        }
     }
     EXPECT_EQ(link.sent.at(1).logMode, SendOptions::kLogModeProbe);
     EXPECT_EQ(link.sent.at(1).timeoutSeconds, 301);
