@@ -70,9 +70,10 @@ TEST(DecodeReply, EveryRowOfTheCodeTableGivesItsCodeAndTextAndNoOtherCodeHasText
         listed.insert(code);
     }
     ASSERT_EQ(listed.size(), 176);
-    for (int code = 1; code <= 255; ++code)
+    for (int code = 1; code <= 255; ++code) {
         if (!listed.contains(code))
             EXPECT_TRUE(DeviceCodeText(code).isNull()) << code;
+    }
 }
 
 TEST(DeviceReply, FieldsStandByPositionWhateverTheStatus)
