@@ -121,8 +121,8 @@ TEST_F(ZFileRunTest, AWrittenZFileIsSaidOnTheStatusLineAndMailedWhenAReceiverIsS
 
     ASSERT_TRUE(waitForMail());
     ASSERT_EQ(mails.requests.size(), 1);
-    EXPECT_EQ(mails.requests[0].address, "z@acct.gr");
-    EXPECT_EQ(mails.requests[0].attachments, QStringList{dir.filePath("Zfiles/Z0042.out")});
+    EXPECT_EQ(std::tuple(mails.requests[0].address, mails.requests[0].attachments),
+              std::tuple(QString("z@acct.gr"), QStringList{dir.filePath("Zfiles/Z0042.out")}));
     EXPECT_TRUE(mails.requests[0].body.contains("με αριθμό 42 της"));
     // A failed mail is told and the Z file stays.
     ASSERT_EQ(person.messages.size(), 1);
@@ -144,9 +144,9 @@ TEST_F(ZFileRunTest, AFailedRunShowsThePartsTextAndSendsNoMail)
     run.Zfile();
     EXPECT_EQ(form.comstattxt(), "Λάθος κατά την δημιουργία του αρχείου 'Ζ'");
     ASSERT_EQ(person.messages.size(), 1);
-    EXPECT_EQ(person.messages[0].text, "Λάθος κατά την δημιουργία του αρχείου 'Ζ'");
-    EXPECT_EQ(person.messages[0].title, "TEC 12345678");
-    EXPECT_EQ(person.messages[0].icon, Operator::Icon::Information);
+    EXPECT_EQ(std::tuple(person.messages[0].text, person.messages[0].title, person.messages[0].icon),
+              std::tuple(QString("Λάθος κατά την δημιουργία του αρχείου 'Ζ'"), QString("TEC 12345678"),
+                         Operator::Icon::Information));
     EXPECT_FALSE(QFile::exists(dir.filePath("Zfiles/Z0042.out")));
     QEventLoop().processEvents();
     EXPECT_TRUE(mails.requests.isEmpty());
