@@ -42,6 +42,14 @@ clsTable Item(qint16 table, qint32 uid, qint16 order, const QString& desc, doubl
     return item;
 }
 
+// The commands a golden file lists, one a line.
+QStringList expectedCommands(const QString& name)
+{
+    QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/tables/") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+}
+
 class TableFlowsTest : public ::testing::Test {
 protected:
     QTemporaryDir dir;
@@ -110,14 +118,8 @@ TEST_F(TableFlowsTest, PendingVoidsCancelTheirStoredLinesOnceTheTableIsOpenedOnc
 
     EXPECT_EQ(flows.ProcessPendingVoids(), 0);
 
-    EXPECT_EQ(link.commands(), QStringList({
-                                   "&/0/4//////////////",
-                                   "&/5/4/2/////////////", // of two equal lines the oldest goes
-                                   "3/C/ΝΕΡΟ/         /1.000/0.50/2/13.00/",
-                                   "&/5/4/1/////////////",
-                                   "3/C/ΚΑΦΕΣ ΦΙΛΤΡΟΥ 2/50Γ      /2.000/3.50/2/13.00/",
-                                   kZeroPayment, // the unknown tea sends nothing
-                               }));
+    // Of two equal lines the oldest goes; the unknown tea sends nothing.
+    EXPECT_EQ(link.commands(), expectedCommands("pending-voids.txt"));
     EXPECT_TRUE(receipt.PendingVoids.isEmpty());
     EXPECT_EQ(find(4, "ΝΕΡΟ", 1, 0.5).itemUID, 103);
     EXPECT_EQ(find(4, "ΚΑΦΕΣ ΦΙΛΤΡΟΥ 250Γ", 2, 3.5).Result, -2);
@@ -152,16 +154,7 @@ TEST_F(TableFlowsTest, VoidingATableCancelsEveryRowWithItsWholeDescriptionAndClo
 
     EXPECT_EQ(flows.VoidWholeTable(), 0);
 
-    EXPECT_EQ(link.commands(), QStringList({
-                                   "&/0/7//////////////",
-                                   "&/5/7/1/////////////",
-                                   "3/C/ΜΟΥΣΑΚΑΣ ΣΠΙΤΙΚΟΣ ΜΕΓΑΛΟ//1.000/9.00/2/13.00/",
-                                   "&/5/7/2/////////////",
-                                   "3/C/ΚΡΑΣΙ//0.500/8.00/2/13.00/",
-                                   kZeroPayment,
-                                   "&/1/7//0////////////",
-                                   "&/3/7//0/1///////0.01/////",
-                               }));
+    EXPECT_EQ(link.commands(), expectedCommands("void-whole-table.txt"));
     EXPECT_TRUE(link.sent[2].quiet);
     EXPECT_EQ(find(7, "ΚΡΑΣΙ", 0.5, 8).Result, -2);
     EXPECT_EQ(find(8, "ΚΡΑΣΙ", 0.5, 8).itemUID, 301);
