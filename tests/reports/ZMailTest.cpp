@@ -3,6 +3,7 @@
 
 #include "PrintQString.h"
 #include "ScriptedOperator.h"
+#include "WaitFor.h"
 #include "shell/Clock.h"
 #include "shell/ModuleVariables.h"
 
@@ -36,21 +37,6 @@ public:
 private:
     mutable int readings_ = 0;
 };
-
-// Runs the event loop until the signal comes, for at most ten seconds.
-template <typename Sender, typename Signal>
-bool waitFor(Sender* sender, Signal signal)
-{
-    QEventLoop loop;
-    bool came = false;
-    QObject::connect(sender, signal, &loop, [&] {
-        came = true;
-        loop.quit();
-    });
-    QTimer::singleShot(10000, &loop, &QEventLoop::quit);
-    loop.exec();
-    return came;
-}
 
 struct RecordedSends {
     std::mutex mutex;
