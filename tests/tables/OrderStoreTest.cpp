@@ -307,8 +307,7 @@ TEST_F(OrderStoreTest, AFileOfRandomBytesIsKeptAsideAndANewStoreBegun)
     const QString firstAside = store.setAsidePath();
     EXPECT_TRUE(firstAside.startsWith(StorePath() + "."));
     EXPECT_TRUE(store.lastFailure().contains(firstAside));
-    EXPECT_EQ(ReadFile(firstAside), garbage);
-    EXPECT_EQ(ReadFile(firstAside + "-wal"), "stale");
+    EXPECT_EQ(std::tuple(ReadFile(firstAside), ReadFile(firstAside + "-wal")), std::tuple(garbage, QByteArray("stale")));
     EXPECT_FALSE(QFile::exists(StorePath()));
 
     WriteFile(StorePath(), RandomBytes(2));
@@ -320,9 +319,8 @@ TEST_F(OrderStoreTest, AFileOfRandomBytesIsKeptAsideAndANewStoreBegun)
     EXPECT_EQ(RawText(StorePath(), "SELECT eNum FROM ecrOrders"), "1");
 
     EXPECT_EQ(store.orders_FindRecord(item).Result, 0);
-    EXPECT_EQ(store.lastFault(), OrderStoreFault::None);
-    EXPECT_TRUE(store.setAsidePath().isEmpty());
-    EXPECT_TRUE(store.lastFailure().isEmpty());
+    EXPECT_EQ(std::tuple(store.lastFault(), store.setAsidePath(), store.lastFailure()),
+              std::tuple(OrderStoreFault::None, QString(), QString()));
 }
 
 TEST_F(OrderStoreTest, ALockedStoreFailsTheWriteAndIsNeitherSetAsideNorChanged)

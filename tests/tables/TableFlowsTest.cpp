@@ -17,6 +17,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace {
 
 const QString kSerial = QStringLiteral("ABC12345678");
@@ -101,9 +103,8 @@ TEST_F(TableFlowsTest, SerialAndNextZComeFromTheRegisterOrTheirFailureMarks)
 TEST_F(TableFlowsTest, TheOpenBitIsValue16OfTheSecondStatusByteAskedQuietly)
 {
     link.queue = {{0, "00/00/10/"}, {0, "00/10/00/"}, {0x30, "busy"}};
-    EXPECT_TRUE(flows.IsStatusBitSet());
-    EXPECT_FALSE(flows.IsStatusBitSet());
-    EXPECT_FALSE(flows.IsStatusBitSet());
+    EXPECT_EQ((std::array{flows.IsStatusBitSet(), flows.IsStatusBitSet(), flows.IsStatusBitSet()}),
+              (std::array{true, false, false}));
     EXPECT_TRUE(link.sent[0].quiet);
     EXPECT_TRUE(link.shownMessages.isEmpty());
 }
@@ -257,9 +258,8 @@ TEST_F(TableFlowsTest, AStoreThatCannotBeMadeLeavesTheSaleAndWritesTheDbLine)
     TableFlows lost{link, op, clock, receipt, vars, results, dir.filePath("no/such/dir")};
     OrderStoreRoads lostRoads{lost};
     lostRoads.storeSoldItem(Item(5, 77, 1, "ΝΕΡΟ", 1, 0.5), "3/S/ΝΕΡΟ//1.000/0.50/2/13.00/", "00/00/00/77/1/");
-    ASSERT_EQ(results.lines.size(), 1);
-    EXPECT_EQ(results.lines[0], "Err = DB-3, [3/S/ΝΕΡΟ//1.000/0.50/2/13.00/, Reply=00/00/00/77/1/] "
-                                "DateTime = 02/01/2026 10:20:30");
+    EXPECT_EQ(results.lines, QStringList{"Err = DB-3, [3/S/ΝΕΡΟ//1.000/0.50/2/13.00/, Reply=00/00/00/77/1/] "
+                                         "DateTime = 02/01/2026 10:20:30"});
     ASSERT_EQ(op.messages.size(), 1);
     EXPECT_FALSE(op.messages[0].text.isEmpty());
 }
