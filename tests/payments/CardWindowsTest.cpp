@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <array>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -54,16 +56,12 @@ TEST_F(CardWindowsTest, TheListsKeepTerminalSlotsInOrderAndOnlyActiveCardPayment
 {
     const PaymentLists lists = FillPaymentLists(link);
     ASSERT_EQ(lists.terminals.size(), 12); // "---" and 11 slots read
-    EXPECT_EQ(lists.terminals[0].text, "---");
-    EXPECT_EQ(lists.terminals[2].text, "ALPHA, 10.0.0.2");
-    EXPECT_EQ(lists.terminals[2].value, 2);
-    EXPECT_EQ(lists.terminals[5].text, "Ανενεργό");
-    EXPECT_EQ(lists.terminals[5].value, 0);
-    EXPECT_EQ(lists.terminals[11].value, 12);
     ASSERT_EQ(lists.payments.size(), 3);
-    EXPECT_EQ(lists.payments[1].text, "2, VISA");
-    EXPECT_EQ(lists.payments[2].text, "3, ΔΩΡΟΚΑΡΤΑ:ΠΡΟΦΟΡΤΩΜΕΝΗ");
-    EXPECT_EQ(lists.payments[2].value, 3);
+    const auto row = [](const auto& item) { return std::pair(item.text, int(item.value)); };
+    EXPECT_EQ((QList{row(lists.terminals[0]), row(lists.terminals[2]), row(lists.terminals[5]),
+                     row(lists.terminals[11]), row(lists.payments[1]), row(lists.payments[2])}),
+              (QList<std::pair<QString, int>>{{"---", 0}, {"ALPHA, 10.0.0.2", 2}, {"Ανενεργό", 0}, {"OMEGA, 10.0.0.12", 12},
+                                              {"2, VISA", 2}, {"3, ΔΩΡΟΚΑΡΤΑ:ΠΡΟΦΟΡΤΩΜΕΝΗ", 3}}));
     EXPECT_EQ(getItembyData(lists.terminals, 9), 0);
 }
 
@@ -83,11 +81,9 @@ TEST_F(CardWindowsTest, FindSelectsTheStoredRowsAndSaveProgramsTheAlternativeUnl
     ASSERT_EQ(WritePayEftRecord(path, stored), 0);
     dialog.values.txtPay = "6";
     ASSERT_TRUE(dialog.cmdFind());
-    EXPECT_EQ(dialog.values.cmbECRPayment, 2);
-    EXPECT_EQ(dialog.values.cmbECREFT, 0);
-    EXPECT_TRUE(dialog.values.chkActive);
-    EXPECT_EQ(dialog.values.txtRetries, "2");
-    EXPECT_EQ(dialog.values.txtPAYEDDesc, "ΜΕΤΡΗΤΑ");
+    const auto& v = dialog.values;
+    EXPECT_EQ(std::tuple(int(v.cmbECRPayment), int(v.cmbECREFT), bool(v.chkActive), v.txtRetries, v.txtPAYEDDesc),
+              std::tuple(2, 0, true, QString("2"), QString("ΜΕΤΡΗΤΑ")));
 
     dialog.values.cmbECREFT = 11;
     link.sent.clear();
@@ -96,8 +92,7 @@ TEST_F(CardWindowsTest, FindSelectsTheStoredRowsAndSaveProgramsTheAlternativeUnl
     PayEftRecord back;
     back.payId = 6;
     ASSERT_EQ(ReadPayEftRecord(path, back), 0);
-    EXPECT_EQ(back.ecrEft, 12);
-    EXPECT_EQ(back.ecrPayment, 3);
+    EXPECT_EQ(std::tuple(back.ecrEft, back.ecrPayment), std::tuple(qint16(12), qint16(3)));
 
     dialog.values.txtPayID = "3";
     link.sent.clear();
@@ -109,9 +104,7 @@ TEST_F(CardWindowsTest, FindSelectsTheStoredRowsAndSaveProgramsTheAlternativeUnl
 
     ASSERT_TRUE(dialog.cmddelete());
     ASSERT_EQ(ReadPayEftRecord(path, back), 0);
-    EXPECT_EQ(back.payId, 6);
-    EXPECT_FALSE(back.isActive());
-    EXPECT_EQ(back.ecrEft, 0);
+    EXPECT_EQ(std::tuple(back.payId, back.isActive(), back.ecrEft), std::tuple(qint16(6), false, qint16(0)));
 }
 
 TEST_F(CardWindowsTest, TheDialogAsksTheControlsInOrderAndSavesWhatWasAnswered)
@@ -122,12 +115,8 @@ TEST_F(CardWindowsTest, TheDialogAsksTheControlsInOrderAndSavesWhatWasAnswered)
     PayEftRecord r;
     r.payId = 4;
     ASSERT_EQ(ReadPayEftRecord(path, r), 0);
-    EXPECT_EQ(r.ecrPayment, 2);
-    EXPECT_EQ(r.ecrEft, 2);
-    EXPECT_EQ(r.active, -1);
-    EXPECT_EQ(r.preCollect, 0);
-    EXPECT_EQ(r.retries, 1);
-    EXPECT_EQ(r.altPayment, 1);
+    EXPECT_EQ((std::array{r.ecrPayment, r.ecrEft, r.active, r.preCollect, r.retries, r.altPayment}),
+              (std::array<qint16, 6>{2, 2, -1, 0, 1, 1}));
     EXPECT_EQ(link.commands().last(), "Y/1/ΜΕΤΡΗΤΑ Χ/ΑΠΠΚ//0/100011010/0/ΑΝΤΙ ΠΙΣΤ.ΚΑΡΤΑ/");
 }
 

@@ -6,6 +6,7 @@
 #include "shell/Clock.h"
 #include "shell/ModuleVariables.h"
 
+#include <QFile>
 #include <gtest/gtest.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -13,6 +14,14 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 const QString kQuery = u"5/99/0/ ///1/1/"_s;
+
+// The commands a golden file lists, one a line.
+QStringList expectedCommands(const QString& name)
+{
+    QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/payments/") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+}
 
 // The outcome query's reply with one transaction whose terminal text is text.
 QString queryReply(const QString& text)
@@ -69,18 +78,13 @@ TEST_F(EftCardRoadsTest, AnApprovedCardIsOneCommandSentOnceWithTheLongWaitThenTh
     roads.payInReceipt(cardRecord(2, 1), 10.0, u"VISA ΠΕΛΑΤΗ/1"_s, u"T1"_s);
 
     EXPECT_EQ(link.commands(), (QStringList{"5/3/10.00/VISA ΠΕΛΑΤΗ/1///2/1/", kQuery}));
-    const ScriptedLink::Sent& card = link.sent.at(0);
-    EXPECT_FALSE(card.quiet);
-    EXPECT_EQ(card.timeoutSeconds, 301);
-    EXPECT_EQ(card.logMode, SendOptions::kLogModeCard);
-    EXPECT_TRUE(card.sendOnce);
-    const ScriptedLink::Sent& query = link.sent.at(1);
-    EXPECT_FALSE(query.quiet);
-    EXPECT_EQ(query.logMode, SendOptions::kLogModeResultFile);
-    EXPECT_FALSE(query.sendOnce);
+    const ScriptedLink::Sent &card = link.sent.at(0), &query = link.sent.at(1);
+    EXPECT_EQ(std::tuple(card.quiet, card.timeoutSeconds, card.logMode, card.sendOnce),
+              std::tuple(false, qint16(301), SendOptions::kLogModeCard, true));
+    EXPECT_EQ(std::tuple(query.quiet, query.logMode, query.sendOnce),
+              std::tuple(false, SendOptions::kLogModeResultFile, false));
     EXPECT_EQ(busyAtCard, QList<bool>{true});
-    EXPECT_FALSE(vars.EftBusy);
-    EXPECT_FALSE(vars.EftFallbackUsed);
+    EXPECT_EQ(std::tuple(vars.EftBusy, vars.EftFallbackUsed), std::tuple(false, false));
 }
 
 TEST_F(EftCardRoadsTest, RetriesRunOutThenTheAlternativePaysAndTheNoticePrintsOnce)
@@ -92,16 +96,11 @@ TEST_F(EftCardRoadsTest, RetriesRunOutThenTheAlternativePaysAndTheNoticePrintsOn
     EXPECT_EQ(count(kQuery), 3);
     // "ΑΝΤΙ:" and the text, 15 characters together.
     EXPECT_EQ(link.commands().last(), "5/1/12.50/ΑΝΤΙ:MASTERCARD//////");
-    EXPECT_TRUE(vars.EftFallbackUsed);
-    EXPECT_FALSE(vars.EftBusy);
+    EXPECT_EQ(std::tuple(vars.EftBusy, vars.EftFallbackUsed), std::tuple(false, true));
 
     link.sent.clear();
     roads.PrintPendingPaymentNotice();
-    EXPECT_EQ(link.commands(), (QStringList{"7/0/1/ΕΚΚΡΕΜ. ΠΛΗΡΩΜΕΣ/", "7/0/2/                /", "7/1/2/ΠΡΟΣΟΧΗ!/",
-                           "7/1/1/ Η ΑΠΟΔΕΙΞΗ ΠΕΡΙΕΧΕΙ ΠΛΗΡΩΜΕΣ /",
-                           "7/1/1/   ΠΙΣΤ.ΚΑΡΤΩΝ ΠΟΥ ΑΠΕΤΥΧΑΝ/",
-                           "7/1/1/ΥΠΑΡΧΕΙ ΥΠΟΛΟΙΠΟ ΠΡΟΣ ΕΙΣΠΡΑΞΗ/", "7/1/1/       ΑΠΟ ΤΟΝ ΠΕΛΑΤΗ/",
-                           "7/1/1//", "7/1/1//", "7/1/1//", "7/1/1//", "7/1/1//"}));
+    EXPECT_EQ(link.commands(), expectedCommands("pending-payment-notice.txt"));
     EXPECT_FALSE(vars.EftFallbackUsed);
     link.sent.clear();
     roads.PrintPendingPaymentNotice();
@@ -167,8 +166,7 @@ TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgain
     EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery}));
     ASSERT_EQ(op.messages.size(), 1);
     EXPECT_TRUE(op.messages[0].text.startsWith(u"Άγνωστη έκβαση πληρωμής με κάρτα"_s));
-    EXPECT_FALSE(vars.EftFallbackUsed);
-    EXPECT_FALSE(vars.EftBusy);
+    EXPECT_EQ(std::tuple(vars.EftBusy, vars.EftFallbackUsed), std::tuple(false, false));
 }
 
 TEST_F(EftCardRoadsTest, ALostAnswerIsNoApprovalWhenTheRegisterListsNoTransaction)
@@ -231,10 +229,7 @@ TEST_F(EftCardRoadsTest, ATableIsPaidQuietlyReleasesAnOutOfContactTerminalAndFal
         return first(command, a);
     };
     EXPECT_TRUE(roads.payTableByCard(cardRecord(1, 1), payment, 12, 2.5));
-    EXPECT_EQ(link.commands(),
-              (QStringList{"&/1/12//0///1/////2.50/////", "&/3/12//0/3///////0.00///2/1/", kQuery,
-                           ")/33/", ")/100/", "&/3/12//0/3///////0.00///2/1/", kQuery,
-                           "&/3/12//0/1///////0.00/////"}));
+    EXPECT_EQ(link.commands(), expectedCommands("table-card-fallback.txt"));
     for (const ScriptedLink::Sent& s : link.sent) {
         if (s.command != kQuery) {
             EXPECT_TRUE(s.quiet) << s.command.toStdString();

@@ -40,9 +40,7 @@ TEST_F(PaymentMapTest, RecordsLieInTheirOwnSlotByteForByte)
     PayEftRecord back;
     back.payId = 7;
     ASSERT_EQ(ReadPayEftRecord(path, back), 0);
-    EXPECT_EQ(back.ecrEft, 2);
-    EXPECT_EQ(back.retries, 258);
-    EXPECT_TRUE(back.isActive());
+    EXPECT_EQ(std::tuple(back.ecrEft, back.retries, back.isActive()), std::tuple(qint16(2), qint16(258), true));
 }
 
 TEST_F(PaymentMapTest, SlotsNeverWrittenAreOrdinaryPayments)
@@ -52,12 +50,11 @@ TEST_F(PaymentMapTest, SlotsNeverWrittenAreOrdinaryPayments)
     r.active = -1;
     ASSERT_EQ(WritePayEftRecord(path, r), 0);
 
-    const PayEftRecord first = PaymentMapLookup(1, path, op);   // a gap before the written slot
-    const PayEftRecord beyond = PaymentMapLookup(40, path, op); // past the end of the file
-    EXPECT_FALSE(first.isActive());
-    EXPECT_FALSE(beyond.isActive());
-    EXPECT_EQ(beyond.payId, 0);
-    EXPECT_TRUE(PaymentMapLookup(2, path, op).isActive());
+    // A gap before the written slot, the slot, past the end of the file.
+    const PayEftRecord beyond = PaymentMapLookup(40, path, op);
+    EXPECT_EQ((std::tuple(PaymentMapLookup(1, path, op).isActive(), PaymentMapLookup(2, path, op).isActive(),
+                          beyond.isActive(), beyond.payId)),
+              std::tuple(false, true, false, qint16(0)));
     EXPECT_TRUE(op.messages.isEmpty());
 }
 
@@ -75,12 +72,11 @@ TEST_F(PaymentMapTest, AnUnreadableMapOrABadNumberIsToldAndCountsAsNotActive)
     PaymentMapLookup(0, path, op);
     QDir(dir.path()).mkdir("payeft.dat");
     const PayEftRecord r = PaymentMapLookup(5, path, op);
-    EXPECT_FALSE(r.isActive());
-    EXPECT_FALSE(r.isPreCollect());
+    EXPECT_EQ(std::tuple(r.isActive(), r.isPreCollect()), std::tuple(false, false));
     ASSERT_EQ(op.messages.size(), 2);
-    EXPECT_EQ(op.messages[1].title, "Μύνημα Kerbano");
-    EXPECT_EQ(op.messages[1].text, "Αδυναμία ανάγνωσης παραμέτρων πληρωμών");
-    EXPECT_EQ(op.messages[1].icon, Operator::Icon::Warning);
+    EXPECT_EQ(std::tuple(op.messages[1].title, op.messages[1].text, op.messages[1].icon),
+              std::tuple(QString("Μύνημα Kerbano"), QString("Αδυναμία ανάγνωσης παραμέτρων πληρωμών"),
+                         Operator::Icon::Warning));
 
     PayEftRecord w;
     w.payId = 5;
@@ -90,8 +86,7 @@ TEST_F(PaymentMapTest, AnUnreadableMapOrABadNumberIsToldAndCountsAsNotActive)
 void writeBytes(const QString& path, const QByteArray& bytes)
 {
     QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    ASSERT_EQ(f.write(bytes), bytes.size());
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size());
 }
 
 // A record's 14 bytes, laid out by hand as a damaged or foreign file would hold them.
@@ -120,20 +115,14 @@ TEST_F(PaymentMapTest, AShortFileReadsZerosBehindItsEndAndAHugeOneOnlyItsSlot)
 {
     writeBytes(path, QByteArray::fromHex("0100" "0300" "02")); // 5 bytes
     PayEftRecord r = PaymentMapLookup(1, path, op);
-    EXPECT_EQ(r.payId, 1);
-    EXPECT_EQ(r.ecrPayment, 3);
-    EXPECT_EQ(r.ecrEft, 2);
-    EXPECT_FALSE(r.isActive());
-    EXPECT_TRUE(op.messages.isEmpty());
+    EXPECT_EQ(std::tuple(r.payId, r.ecrPayment, r.ecrEft, r.isActive()), std::tuple(qint16(1), qint16(3), qint16(2), false));
 
     // 10 MB: a record far inside the file is read from its own slot.
     QByteArray big(10 * 1024 * 1024, '\0');
     big.replace((5000 - 1) * 128, 14, recordBytes(goodCard(5000)));
     writeBytes(path, big);
     r = PaymentMapLookup(5000, path, op);
-    EXPECT_TRUE(r.isActive());
-    EXPECT_EQ(r.ecrEft, 12);
-    EXPECT_EQ(r.altPayment, 10);
+    EXPECT_EQ(std::tuple(r.isActive(), r.ecrEft, r.altPayment), std::tuple(true, qint16(12), qint16(10)));
     EXPECT_FALSE(PaymentMapLookup(4999, path, op).isActive());
     EXPECT_TRUE(op.messages.isEmpty());
 }
@@ -153,8 +142,7 @@ TEST_F(PaymentMapTest, AnActiveRecordWithAFieldOutOfRangeIsAnOrdinaryPaymentTold
         writeBytes(path, QByteArray(128, '\0') + recordBytes(written));
         op.messages.clear();
         const PayEftRecord r = PaymentMapLookup(2, path, op);
-        EXPECT_FALSE(r.isActive());
-        EXPECT_FALSE(r.isPreCollect());
+        EXPECT_EQ(std::tuple(r.isActive(), r.isPreCollect()), std::tuple(false, false)) << value;
         ASSERT_EQ(op.messages.size(), 1);
         EXPECT_EQ(op.messages[0].text, "Λάθος παράμετροι πληρωμής 2 στο payeft.dat: η πληρωμή γίνεται χωρίς EFTPOS");
     }

@@ -2,6 +2,7 @@
 
 #include "PrintQString.h"
 
+#include <QFile>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QTimeZone>
@@ -56,27 +57,10 @@ QByteArray partPayload(const QByteArray& message, const QByteArray& headerLine)
 
 TEST(MimeMessage, ZMailWithAttachmentIsExactlyTheExpectedText)
 {
-    const QByteArray expected =
-        "Date: 02 Jan 2026 10:20:30 +0200\r\n"
-        "From: =?UTF-8?B?zprOsc+EzqzPg8+EzrfOvM6x?= <shop@example.gr>\r\n"
-        "To: z@acct.gr\r\n"
-        "Subject: =?UTF-8?B?zpHPgc+HzrXOr86/ICfOlicgMDIvMDEvMjAyNiAxMDoyMA==?=\r\n"
-        "Message-ID: <id1@example.gr>\r\n"
-        "MIME-Version: 1.0\r\n"
-        "Content-Type: multipart/mixed; boundary=\"BOUNDARY\"\r\n"
-        "\r\n"
-        "--BOUNDARY\r\n"
-        "Content-Type: text/plain; charset=UTF-8\r\n"
-        "Content-Transfer-Encoding: base64\r\n"
-        "\r\n"
-        "zpPOtc65zrENCs+DzrHPgg==\r\n"
-        "--BOUNDARY\r\n"
-        "Content-Type: application/octet-stream; name=\"Z0123.out\"\r\n"
-        "Content-Transfer-Encoding: base64\r\n"
-        "Content-Disposition: attachment; filename=\"Z0123.out\"\r\n"
-        "\r\n"
-        "UE9TLDENCg==\r\n"
-        "--BOUNDARY--\r\n";
+    // The golden mail is kept with LF line ends; the wire has CRLF.
+    QFile golden(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/reports/zmail.eml"));
+    ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
+    const QByteArray expected = golden.readAll().replace("\n", "\r\n");
     EXPECT_EQ(BuildMimeMessage(zMail()), expected);
 }
 

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 const QString kKey(64, QLatin1Char('K'));
@@ -29,31 +31,25 @@ protected:
 
 TEST(TaxServerEntries, ChecksRunInOrderAndTheFirstFailureIsTold)
 {
-    EXPECT_FALSE(CheckTaxServerEntries(valid()).has_value());
-
-    TaxServerEntries e = valid();
-    for (int length : {63, 65, 0}) {
-        e.txtAES = QString(length, QLatin1Char('K'));
-        EXPECT_EQ(CheckTaxServerEntries(e), QStringLiteral("Λάθος μήκος κλειδιού AES")) << length;
+    const QString web = valid().txtWebServer, qr = valid().txtQR, aes = "Λάθος μήκος κλειδιού AES";
+    const struct {
+        QString key, web, qr, told; // told empty: accepted
+    } cases[] = {
+        {kKey, web, qr, {}},
+        {QString(63, 'K'), web, qr, aes}, {QString(65, 'K'), web, qr, aes}, {QString(), web, qr, aes},
+        {QString(64, ' '), web, qr, {}}, // counted as typed, blanks too
+        {kKey, "   ", {}, "Κενή URL επικοικωνίας ΑΑΔΕ"},
+        {kKey, "HTTPS://srv.gr/x", {}, "Λάθος URL επικοικωνίας ΑΑΔΕ"},
+        {kKey, " https://srv.gr/x", {}, "Λάθος URL QR code απόδειξης"}, // the blank hides the scheme
+        {kKey, " https://srv.gr/x", "https://q.gr/x", {}},
+        {"short", {}, qr, aes}, // a bad key is told before an empty address
+    };
+    for (const auto& c : cases) {
+        TaxServerEntries e = valid();
+        std::tie(e.txtAES, e.txtWebServer, e.txtQR) = std::tie(c.key, c.web, c.qr);
+        const std::optional<QString> told = c.told.isEmpty() ? std::nullopt : std::optional(c.told);
+        EXPECT_EQ(CheckTaxServerEntries(e), told) << (c.key + '|' + c.web + '|' + c.qr).toStdString();
     }
-    e.txtAES = QString(64, QLatin1Char(' ')); // counted as typed, blanks too
-    EXPECT_FALSE(CheckTaxServerEntries(e).has_value());
-
-    e = valid();
-    e.txtWebServer = QStringLiteral("   ");
-    e.txtQR.clear();
-    EXPECT_EQ(CheckTaxServerEntries(e), QStringLiteral("Κενή URL επικοικωνίας ΑΑΔΕ"));
-    e.txtWebServer = QStringLiteral("HTTPS://srv.gr/x");
-    EXPECT_EQ(CheckTaxServerEntries(e), QStringLiteral("Λάθος URL επικοικωνίας ΑΑΔΕ"));
-    e.txtWebServer = QStringLiteral(" https://srv.gr/x"); // the blank hides the scheme from the check
-    EXPECT_EQ(CheckTaxServerEntries(e), QStringLiteral("Λάθος URL QR code απόδειξης"));
-    e.txtQR = QStringLiteral("https://q.gr/x");
-    EXPECT_FALSE(CheckTaxServerEntries(e).has_value());
-
-    // A bad key is told before an empty address.
-    e.txtAES = QStringLiteral("short");
-    e.txtWebServer.clear();
-    EXPECT_EQ(CheckTaxServerEntries(e), QStringLiteral("Λάθος μήκος κλειδιού AES"));
 }
 
 TEST_F(TaxServerSetupTest, SetSendsOneCommandWithTheAddressesSlashesAsTildesAndSaysSo)
@@ -64,12 +60,12 @@ TEST_F(TaxServerSetupTest, SetSendsOneCommandWithTheAddressesSlashesAsTildesAndS
     ASSERT_EQ(link.sent.size(), 1);
     EXPECT_EQ(link.sent[0].command, "]/0/0//http:~~srv.gr~eafdss~myweb~websend.php/80/" + kKey
                                         + "/https:~~q.gr~tameiakes~myweb~q1.php/");
-    EXPECT_FALSE(link.sent[0].quiet);
-    EXPECT_EQ(link.sent[0].timeoutSeconds, 3); // the default wait
-    EXPECT_EQ(link.sent[0].logMode, 0);
+    // Spoken, with the default wait.
+    EXPECT_EQ(std::tuple(link.sent[0].quiet, link.sent[0].timeoutSeconds, link.sent[0].logMode),
+              std::tuple(false, qint16(3), 0));
     ASSERT_EQ(person.messages.size(), 1);
-    EXPECT_EQ(person.messages[0].text, "Επιτυχής ενεργοποίηση επικοινωνίας με τον server της ΑΑΔΕ");
-    EXPECT_EQ(person.messages[0].icon, Operator::Icon::Information);
+    EXPECT_EQ(std::tuple(person.messages[0].text, person.messages[0].icon),
+              std::tuple(QString("Επιτυχής ενεργοποίηση επικοινωνίας με τον server της ΑΑΔΕ"), Operator::Icon::Information));
 }
 
 TEST_F(TaxServerSetupTest, AFailedCheckSendsNothingAndARefusalHasOnlyTheLinksMessage)
@@ -79,8 +75,8 @@ TEST_F(TaxServerSetupTest, AFailedCheckSendsNothingAndARefusalHasOnlyTheLinksMes
     EXPECT_FALSE(setup.Command1(e));
     EXPECT_TRUE(link.sent.isEmpty());
     ASSERT_EQ(person.messages.size(), 1);
-    EXPECT_EQ(person.messages[0].text, "Λάθος μήκος κλειδιού AES");
-    EXPECT_EQ(person.messages[0].icon, Operator::Icon::Warning);
+    EXPECT_EQ(std::tuple(person.messages[0].text, person.messages[0].icon),
+              std::tuple(QString("Λάθος μήκος κλειδιού AES"), Operator::Icon::Warning));
 
     person.messages.clear();
     link.queue.push_back({0x7D, "Λάθος κλειδί"});
@@ -99,8 +95,6 @@ TEST_F(TaxServerSetupTest, WithoutTheWindowTheEntriesAreAskedInItsOrderUntilItIs
     setup.run(window);
     ASSERT_EQ(person.inputPrompts.size(), 5);
     EXPECT_TRUE(person.inputPrompts[0].endsWith("Κλειδί AES"));
-    EXPECT_EQ(person.inputPrompts[1], "Αποστολή Δεδομένων");
-    EXPECT_EQ(person.inputPrompts[2], "Διεύθυνση webServer");
-    EXPECT_EQ(person.inputPrompts[3], "Διεύθυνση QR");
+    EXPECT_EQ(person.inputPrompts.mid(1, 3), (QStringList{"Αποστολή Δεδομένων", "Διεύθυνση webServer", "Διεύθυνση QR"}));
     EXPECT_EQ(link.commands(), QStringList{"]/0/0//http:~~srv.gr~a/80/" + kKey + "/https:~~q.gr~b/"});
 }

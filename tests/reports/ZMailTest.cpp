@@ -3,6 +3,7 @@
 
 #include "PrintQString.h"
 #include "ScriptedOperator.h"
+#include "WaitFor.h"
 #include "shell/Clock.h"
 #include "shell/ModuleVariables.h"
 
@@ -36,21 +37,6 @@ public:
 private:
     mutable int readings_ = 0;
 };
-
-// Runs the event loop until the signal comes, for at most ten seconds.
-template <typename Sender, typename Signal>
-bool waitFor(Sender* sender, Signal signal)
-{
-    QEventLoop loop;
-    bool came = false;
-    QObject::connect(sender, signal, &loop, [&] {
-        came = true;
-        loop.quit();
-    });
-    QTimer::singleShot(10000, &loop, &QEventLoop::quit);
-    loop.exec();
-    return came;
-}
 
 struct RecordedSends {
     std::mutex mutex;
@@ -128,10 +114,9 @@ TEST_F(ZMailTest, FailedSendWarnsTheOperatorLogsTheReasonAndKeepsTheZFile)
     ASSERT_EQ(sends.requests.size(), 1);
     EXPECT_EQ(sends.requests[0].attachments, QStringList{zFile});
     ASSERT_EQ(op.messages.size(), 1);
-    EXPECT_EQ(op.messages[0].title, QStringLiteral("Μύνημα Kerbano"));
-    EXPECT_EQ(op.messages[0].icon, Operator::Icon::Warning);
-    EXPECT_EQ(op.messages[0].text, QStringLiteral("Λάθος κατά την αποστολή το email...\n"
-                                                  "Ο διακομιστής αλληλογραφίας δεν απάντησε."));
+    EXPECT_EQ(std::tuple(op.messages[0].title, op.messages[0].icon, op.messages[0].text),
+              std::tuple(QStringLiteral("Μύνημα Kerbano"), Operator::Icon::Warning,
+                         QStringLiteral("Λάθος κατά την αποστολή το email...\nΟ διακομιστής αλληλογραφίας δεν απάντησε.")));
     EXPECT_EQ(logged, QStringList{sends.answer.failure});
     QFile f(zFile);
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
@@ -152,8 +137,7 @@ TEST_F(ZMailTest, SentMailShowsNothingAndFailureTitleFollowsTheRegister)
     ASSERT_TRUE(zmail.send(QStringLiteral("z@acct.gr"), QStringLiteral("1")));
     ASSERT_TRUE(waitFor(&zmail, &ZMail::finished));
     ASSERT_EQ(op.messages.size(), 1);
-    EXPECT_EQ(op.messages[0].title, vars.DeviceLabel);
-    EXPECT_EQ(op.messages[0].text, kZMailFailedText);
+    EXPECT_EQ(std::tuple(op.messages[0].title, op.messages[0].text), std::tuple(vars.DeviceLabel, QString(kZMailFailedText)));
     EXPECT_EQ(statuses, (QList<int>{0, -1}));
 }
 

@@ -14,6 +14,12 @@ namespace {
 const QLocale kGreek(QLocale::Greek, QLocale::Greece);
 const QLocale kEnglish(QLocale::English, QLocale::UnitedStates);
 
+// The figures of a document, as one value.
+auto figures(const clsDocData& d)
+{
+    return std::tuple(d.recNumberDaily, d.recAmount, d.recNumberProgr, d.ordAmount, d.ordNumber);
+}
+
 // A register that knows one receipt and one table with two items.
 bool answerRegister(const QString& command, ScriptedLink::Answer& a)
 {
@@ -36,11 +42,7 @@ TEST(DocumentModel, BuildsTheDocumentFromTheRegistersAnswers)
         mDocData doc(link, locale);
         const clsDocData d = doc.BuildDocData(7);
         EXPECT_EQ(d.tableNumber, 7);
-        EXPECT_EQ(d.recNumberDaily, 42);
-        EXPECT_DOUBLE_EQ(d.recAmount, 18.6);
-        EXPECT_EQ(d.recNumberProgr, 1000 + 42);
-        EXPECT_DOUBLE_EQ(d.ordAmount, 14.75);
-        EXPECT_EQ(d.ordNumber, 5);
+        EXPECT_EQ(figures(d), std::tuple(42, 18.6, 1000 + 42, 14.75, 5));
         EXPECT_EQ(doc.ReadTableAmount(7), locale == kGreek ? "14,75" : "14.75");
         EXPECT_DOUBLE_EQ(doc.ReadRemainingAmount(), 18.6);
     }
@@ -54,12 +56,7 @@ TEST(DocumentModel, ARegisterThatRefusesEverythingYieldsMinusOneAndZero)
         return true;
     };
     mDocData doc(link);
-    const clsDocData d = doc.BuildDocData(7);
-    EXPECT_EQ(d.recNumberDaily, -1);
-    EXPECT_EQ(d.recNumberProgr, -1);
-    EXPECT_EQ(d.recAmount, 0.0);
-    EXPECT_EQ(d.ordAmount, 0.0);
-    EXPECT_EQ(d.ordNumber, -1);
+    EXPECT_EQ(figures(doc.BuildDocData(7)), std::tuple(-1, 0.0, -1, 0.0, -1));
     EXPECT_EQ(doc.ReadRemainingAmount(), 0.0);
     EXPECT_EQ(link.commands(),
               QStringList({"9/", "i/", "&/11/7//0/0///////////", "&/11/7//0/0///////////", "9/"}));
@@ -71,8 +68,7 @@ TEST(DocumentModel, NoTableMeansNoTableQuery)
     link.responder = answerRegister;
     mDocData doc(link);
     const clsDocData d = doc.BuildDocData(0);
-    EXPECT_EQ(d.ordAmount, 0.0);
-    EXPECT_EQ(d.ordNumber, -1);
+    EXPECT_EQ(std::tuple(d.ordAmount, d.ordNumber), std::tuple(0.0, -1));
     EXPECT_EQ(link.commands(), QStringList({"9/", "i/"}));
 }
 
@@ -119,10 +115,8 @@ TEST(DepartmentLookup, DescriptionAndRateOfTheCategoryItNames)
     link.queue.push_back({0, "0/00/00/ ΑΡΤΟΣ /3/"});
     const clsDepartmentInfo info = ReadDepartment(link, 4, vats, kGreek);
     EXPECT_EQ(link.commands(), QStringList({"d/4"}));
-    EXPECT_EQ(info.Result, 0);
-    EXPECT_EQ(info.DepNumber, 4);
-    EXPECT_EQ(info.DepDesc, "ΑΡΤΟΣ");
-    EXPECT_DOUBLE_EQ(info.DepVatRate, 6.5);
+    EXPECT_EQ(std::tuple(info.Result, info.DepNumber, info.DepDesc, info.DepVatRate),
+              std::tuple(0, 4, QString("ΑΡΤΟΣ"), 6.5));
 
     link.queue.push_back({12, "unknown"});
     EXPECT_EQ(ReadDepartment(link, 99, vats).Result, -1);

@@ -20,6 +20,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <array>
 #include <vector>
 
 namespace {
@@ -171,19 +172,14 @@ TEST_F(OrderStoreTest, AFirstSaleMakesTheStoreAndRowsKeepTheirUnits)
 
     // Amounts whose doubles lie just below or above their hundredths are found again.
     EXPECT_EQ(store.orders_AddRecord(Item(5, 9002, 4, "ΝΕΡΟ", 2, 1.10)), 0);
-    for (const clsTable& asked : {Item(5, 0, 0, "ΚΑΦΕΣ", 0.333, 4.35), Item(5, 0, 0, "ΝΕΡΟ", 2, 1.1)}) {
-        const clsTable found = store.orders_FindRecord(asked);
-        EXPECT_EQ(found.Result, 0) << found.itemDesc().toStdString();
-        EXPECT_EQ(found.itemDesc(), asked.itemDesc());
-        EXPECT_EQ(found.itemPrice, asked.itemPrice);
-        EXPECT_EQ(found.itemQuantity, asked.itemQuantity);
-    }
-    const clsTable coffee = store.orders_FindRecord(Item(5, 0, 0, "ΚΑΦΕΣ", 0.333, 4.35));
-    EXPECT_EQ(coffee.zNumber, kZ);
-    EXPECT_EQ(coffee.itemUID, 9001);
-    EXPECT_EQ(coffee.tableORDER, 3);
-    EXPECT_EQ(coffee.itemDep, 2);
-    EXPECT_EQ(coffee.itemVatRate, 6.5);
+    const auto whole = [](const clsTable& t) {
+        return std::tuple(t.Result, t.itemDesc(), t.itemPrice, t.itemQuantity, t.zNumber, t.itemUID, t.tableORDER,
+                          t.itemDep, t.itemVatRate);
+    };
+    EXPECT_EQ(whole(store.orders_FindRecord(Item(5, 0, 0, "ΚΑΦΕΣ", 0.333, 4.35))),
+              std::tuple(0, Item(0, 0, 0, "ΚΑΦΕΣ", 0, 0).itemDesc(), 4.35, 0.333, kZ, 9001, qint16(3), qint16(2), 6.5));
+    EXPECT_EQ(whole(store.orders_FindRecord(Item(5, 0, 0, "ΝΕΡΟ", 2, 1.1))),
+              std::tuple(0, Item(0, 0, 0, "ΝΕΡΟ", 0, 0).itemDesc(), 1.1, 2.0, kZ, 9002, qint16(4), qint16(2), 24.0));
     EXPECT_EQ(store.orders_FindRecord(Item(5, 0, 0, "ΚΑΦΕΣ", 0.333, 4.34)).Result, -2);
     EXPECT_EQ(store.orders_FindRecord(Item(6, 0, 0, "ΚΑΦΕΣ", 0.333, 4.35)).Result, -2);
 }
@@ -206,9 +202,7 @@ TEST_F(OrderStoreTest, EqualRowsAreFoundOldestFirstAndAMarkedRowIsSkipped)
     EXPECT_EQ(store.orders_UpdateRecord(Moved(5, 11, 1, 8, 51, 4)), 0);
     EXPECT_EQ(store.orders_UpdateRecord(Moved(5, 11, 1, 8, 51, 4)), -2);
     const clsTable moved = store.orders_FindRecord(Item(8, 0, 0, "ΜΠΥΡΑ", 1, 3.5));
-    EXPECT_EQ(moved.Result, 0);
-    EXPECT_EQ(moved.itemUID, 51);
-    EXPECT_EQ(moved.tableORDER, 4);
+    EXPECT_EQ(std::tuple(moved.Result, moved.itemUID, moved.tableORDER), std::tuple(0, 51, qint16(4)));
     EXPECT_EQ(RawText(StorePath(), "SELECT group_concat(eNum) FROM (SELECT eNum FROM ecrOrders ORDER BY eNum)"), "1,2");
 }
 
@@ -287,11 +281,9 @@ TEST_F(OrderStoreTest, WithoutAStoreEveryCallButASaleAnswersNoStoreAndMakesNoFil
     const clsTable item = Item(5, 1, 1, "Α", 1, 1);
     EXPECT_EQ(store.orders_FindRecord(item).Result, -3);
     EXPECT_EQ(store.lastFault(), OrderStoreFault::NoStore);
-    EXPECT_EQ(store.orders_DelRecord(item), -3);
-    EXPECT_EQ(store.orders_DelAllRecords(item), -3);
-    EXPECT_EQ(store.orders_DelAllDBRecords(), -3);
-    EXPECT_EQ(store.orders_UpdateRecord(item), -3);
-    EXPECT_EQ(store.orders_MarkRecord(item), -3);
+    EXPECT_EQ((std::array<int, 5>{store.orders_DelRecord(item), store.orders_DelAllRecords(item), store.orders_DelAllDBRecords(),
+                          store.orders_UpdateRecord(item), store.orders_MarkRecord(item)}),
+              (std::array<int, 5>{-3, -3, -3, -3, -3}));
     EXPECT_TRUE(FilesBesideTheStore().isEmpty());
 
     // An empty file, as a crash before the first row leaves it, is no store either,
@@ -315,8 +307,7 @@ TEST_F(OrderStoreTest, AFileOfRandomBytesIsKeptAsideAndANewStoreBegun)
     const QString firstAside = store.setAsidePath();
     EXPECT_TRUE(firstAside.startsWith(StorePath() + "."));
     EXPECT_TRUE(store.lastFailure().contains(firstAside));
-    EXPECT_EQ(ReadFile(firstAside), garbage);
-    EXPECT_EQ(ReadFile(firstAside + "-wal"), "stale");
+    EXPECT_EQ(std::tuple(ReadFile(firstAside), ReadFile(firstAside + "-wal")), std::tuple(garbage, QByteArray("stale")));
     EXPECT_FALSE(QFile::exists(StorePath()));
 
     WriteFile(StorePath(), RandomBytes(2));
@@ -328,9 +319,8 @@ TEST_F(OrderStoreTest, AFileOfRandomBytesIsKeptAsideAndANewStoreBegun)
     EXPECT_EQ(RawText(StorePath(), "SELECT eNum FROM ecrOrders"), "1");
 
     EXPECT_EQ(store.orders_FindRecord(item).Result, 0);
-    EXPECT_EQ(store.lastFault(), OrderStoreFault::None);
-    EXPECT_TRUE(store.setAsidePath().isEmpty());
-    EXPECT_TRUE(store.lastFailure().isEmpty());
+    EXPECT_EQ(std::tuple(store.lastFault(), store.setAsidePath(), store.lastFailure()),
+              std::tuple(OrderStoreFault::None, QString(), QString()));
 }
 
 TEST_F(OrderStoreTest, ALockedStoreFailsTheWriteAndIsNeitherSetAsideNorChanged)
@@ -452,15 +442,9 @@ TEST_F(OrderStoreTest, AWriterKilledAtRandomMomentsLeavesTheStoreWhole)
     std::set<int> lines;
     for (const QVariantList& row : rows) {
         const qint32 uid = row[0].toInt();
-        SCOPED_TRACE(uid);
-        EXPECT_EQ(row[1].toInt(), uid % 290 + 1);
-        EXPECT_EQ(row[2].toString(), descOf(uid).leftJustified(24));
-        EXPECT_EQ(row[3].toInt(), quantityOf(uid));
-        EXPECT_EQ(row[4].toInt(), priceOf(uid));
-        EXPECT_EQ(row[5].toInt(), 2);
-        EXPECT_EQ(row[6].toDouble(), 2400.0);
-        EXPECT_EQ(row[7].toInt(), kZ);
-        EXPECT_EQ(row[8].toInt(), 0);
+        const QVariantList expected{uid, uid % 290 + 1, descOf(uid).leftJustified(24), quantityOf(uid), priceOf(uid),
+                                    2, 2400.0, kZ, 0};
+        EXPECT_EQ(QVariant(row.mid(0, 9)).toStringList(), QVariant(expected).toStringList()) << uid;
         lines.insert(row[9].toInt());
     }
     // Each row came with its own line number, with no gap: row and counter commit together.

@@ -17,6 +17,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace {
 
 const QString kSerial = QStringLiteral("ABC12345678");
@@ -40,6 +42,14 @@ clsTable Item(qint16 table, qint32 uid, qint16 order, const QString& desc, doubl
     item.itemDep = 2;
     item.itemVatRate = 13;
     return item;
+}
+
+// The commands a golden file lists, one a line.
+QStringList expectedCommands(const QString& name)
+{
+    QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/tables/") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
 }
 
 class TableFlowsTest : public ::testing::Test {
@@ -93,9 +103,8 @@ TEST_F(TableFlowsTest, SerialAndNextZComeFromTheRegisterOrTheirFailureMarks)
 TEST_F(TableFlowsTest, TheOpenBitIsValue16OfTheSecondStatusByteAskedQuietly)
 {
     link.queue = {{0, "00/00/10/"}, {0, "00/10/00/"}, {0x30, "busy"}};
-    EXPECT_TRUE(flows.IsStatusBitSet());
-    EXPECT_FALSE(flows.IsStatusBitSet());
-    EXPECT_FALSE(flows.IsStatusBitSet());
+    EXPECT_EQ((std::array{flows.IsStatusBitSet(), flows.IsStatusBitSet(), flows.IsStatusBitSet()}),
+              (std::array{true, false, false}));
     EXPECT_TRUE(link.sent[0].quiet);
     EXPECT_TRUE(link.shownMessages.isEmpty());
 }
@@ -110,14 +119,8 @@ TEST_F(TableFlowsTest, PendingVoidsCancelTheirStoredLinesOnceTheTableIsOpenedOnc
 
     EXPECT_EQ(flows.ProcessPendingVoids(), 0);
 
-    EXPECT_EQ(link.commands(), QStringList({
-                                   "&/0/4//////////////",
-                                   "&/5/4/2/////////////", // of two equal lines the oldest goes
-                                   "3/C/ΝΕΡΟ/         /1.000/0.50/2/13.00/",
-                                   "&/5/4/1/////////////",
-                                   "3/C/ΚΑΦΕΣ ΦΙΛΤΡΟΥ 2/50Γ      /2.000/3.50/2/13.00/",
-                                   kZeroPayment, // the unknown tea sends nothing
-                               }));
+    // Of two equal lines the oldest goes; the unknown tea sends nothing.
+    EXPECT_EQ(link.commands(), expectedCommands("pending-voids.txt"));
     EXPECT_TRUE(receipt.PendingVoids.isEmpty());
     EXPECT_EQ(find(4, "ΝΕΡΟ", 1, 0.5).itemUID, 103);
     EXPECT_EQ(find(4, "ΚΑΦΕΣ ΦΙΛΤΡΟΥ 250Γ", 2, 3.5).Result, -2);
@@ -152,16 +155,7 @@ TEST_F(TableFlowsTest, VoidingATableCancelsEveryRowWithItsWholeDescriptionAndClo
 
     EXPECT_EQ(flows.VoidWholeTable(), 0);
 
-    EXPECT_EQ(link.commands(), QStringList({
-                                   "&/0/7//////////////",
-                                   "&/5/7/1/////////////",
-                                   "3/C/ΜΟΥΣΑΚΑΣ ΣΠΙΤΙΚΟΣ ΜΕΓΑΛΟ//1.000/9.00/2/13.00/",
-                                   "&/5/7/2/////////////",
-                                   "3/C/ΚΡΑΣΙ//0.500/8.00/2/13.00/",
-                                   kZeroPayment,
-                                   "&/1/7//0////////////",
-                                   "&/3/7//0/1///////0.01/////",
-                               }));
+    EXPECT_EQ(link.commands(), expectedCommands("void-whole-table.txt"));
     EXPECT_TRUE(link.sent[2].quiet);
     EXPECT_EQ(find(7, "ΚΡΑΣΙ", 0.5, 8).Result, -2);
     EXPECT_EQ(find(8, "ΚΡΑΣΙ", 0.5, 8).itemUID, 301);
@@ -264,9 +258,8 @@ TEST_F(TableFlowsTest, AStoreThatCannotBeMadeLeavesTheSaleAndWritesTheDbLine)
     TableFlows lost{link, op, clock, receipt, vars, results, dir.filePath("no/such/dir")};
     OrderStoreRoads lostRoads{lost};
     lostRoads.storeSoldItem(Item(5, 77, 1, "ΝΕΡΟ", 1, 0.5), "3/S/ΝΕΡΟ//1.000/0.50/2/13.00/", "00/00/00/77/1/");
-    ASSERT_EQ(results.lines.size(), 1);
-    EXPECT_EQ(results.lines[0], "Err = DB-3, [3/S/ΝΕΡΟ//1.000/0.50/2/13.00/, Reply=00/00/00/77/1/] "
-                                "DateTime = 02/01/2026 10:20:30");
+    EXPECT_EQ(results.lines, QStringList{"Err = DB-3, [3/S/ΝΕΡΟ//1.000/0.50/2/13.00/, Reply=00/00/00/77/1/] "
+                                         "DateTime = 02/01/2026 10:20:30"});
     ASSERT_EQ(op.messages.size(), 1);
     EXPECT_FALSE(op.messages[0].text.isEmpty());
 }
