@@ -71,8 +71,9 @@ TEST(DecodeReply, EveryRowOfTheCodeTableGivesItsCodeAndTextAndNoOtherCodeHasText
     }
     ASSERT_EQ(listed.size(), 176);
     for (int code = 1; code <= 255; ++code) {
-        if (!listed.contains(code))
+        if (!listed.contains(code)) {
             EXPECT_TRUE(DeviceCodeText(code).isNull()) << code;
+        }
     }
 }
 
