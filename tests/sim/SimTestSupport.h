@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
 
@@ -23,9 +24,12 @@ inline QString sendTo(SimRegister& reg, const QString& command)
 
 // Plays a conversation of tests/data/sim/: each line a command, a tab and the
 // reply it must get word for word (no tab: the reply is not looked at);
-// "restart" switches the register off and on; "#" starts a comment.
+// "restart" switches the register off and on; "at <ISO date-time>" sets the
+// clock; "#" starts a comment. With KERBANO_REGOLD set every exchange is also
+// printed as a golden line, for writing a new conversation.
 inline void replay(const QString& name, const std::function<QString(const QString&)>& send,
-                   const std::function<void()>& restart = {})
+                   const std::function<void()>& restart = {},
+                   const std::function<void(const QDateTime&)>& at = {})
 {
     QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/sim/") + name);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
@@ -39,8 +43,15 @@ inline void replay(const QString& name, const std::function<QString(const QStrin
             restart();
             continue;
         }
+        if (line.startsWith(QLatin1String("at "))) {
+            ASSERT_TRUE(at) << qPrintable(name) << ":" << number;
+            at(QDateTime::fromString(line.mid(3), Qt::ISODate));
+            continue;
+        }
         const qsizetype tab = line.indexOf(QLatin1Char('\t'));
         const QString reply = send(line.left(tab));
+        if (qEnvironmentVariableIsSet("KERBANO_REGOLD"))
+            fprintf(stderr, "%s\t%s\n", qPrintable(line.left(tab)), qPrintable(reply));
         if (tab >= 0) {
             EXPECT_EQ(reply, line.mid(tab + 1)) << qPrintable(name) << ":" << number << " " << qPrintable(line.left(tab));
         }
@@ -64,7 +75,8 @@ protected:
     QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
     void play(const QString& name)
     {
-        replay(name, [this](const QString& command) { return send(command); });
+        replay(name, [this](const QString& command) { return send(command); }, {},
+               [this](const QDateTime& t) { now = t; });
     }
 };
 
