@@ -7,7 +7,6 @@
 #include "PrintQString.h"
 #include "link/WaitForRegister.h"
 
-#include <QFile>
 #include <QTimer>
 #include <optional>
 
@@ -24,11 +23,6 @@ protected:
     {
         vars.DebugEnabled = true;
         vars.baud = "9600";
-    }
-    QByteArray logBytes() const
-    {
-        QFile f(log.filePath());
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
     int countOf(ScriptedOperator::WaitEvent::Kind kind) const
     {

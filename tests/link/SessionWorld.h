@@ -11,6 +11,7 @@
 #include "shell/ModuleVariables.h"
 #include "shell/ResultSink.h"
 
+#include <QFile>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <deque>
@@ -40,6 +41,12 @@ struct SessionWorld {
     RecordingSink results;
     DevicePort port{vars, clock, op, factory, log};
     DeviceSession link{port, vars, clock, op, form, results, log};
+
+    QByteArray logBytes() const
+    {
+        QFile f(log.filePath());
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
 };
 
 // A register behind every pipe the session opens: each command is answered
