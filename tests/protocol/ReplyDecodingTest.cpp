@@ -1,9 +1,9 @@
 #include "protocol/DeviceReply.h"
 #include "protocol/ReplyDecoder.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 
-#include <QFile>
 #include <QSet>
 #include <gtest/gtest.h>
 
@@ -54,12 +54,8 @@ TEST(DecodeReply, DeviceCodesAndStatusBitsGiveTheirStatusAndText)
 // The register's code table lies in tests/data/device-codes.txt, row by row.
 TEST(DecodeReply, EveryRowOfTheCodeTableGivesItsCodeAndTextAndNoOtherCodeHasText)
 {
-    QFile table(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/device-codes.txt"));
-    ASSERT_TRUE(table.open(QIODevice::ReadOnly | QIODevice::Text));
     QSet<int> listed;
-    for (const QString& line : QString::fromUtf8(table.readAll()).split(u'\n', Qt::SkipEmptyParts)) {
-        if (line.startsWith(u'#'))
-            continue;
+    for (const QString& line : DataLines("device-codes.txt")) {
         const QString hex = line.section(u'\t', 0, 0);
         const QString text = line.section(u'\t', 1);
         const int code = hex.toInt(nullptr, 16);

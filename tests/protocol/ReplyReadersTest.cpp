@@ -12,6 +12,7 @@
 #include "protocol/VersionQuery.h"
 #include "protocol/ZFileQueries.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 
 #include <gtest/gtest.h>
@@ -179,33 +180,14 @@ QString replyWith(const QString& text)
 
 TEST(EftOutcome, EveryTerminalTextOfTheTableGivesItsOutcomeExactly)
 {
-    const std::pair<const char*, EftOutcome> table[] = {
-        {"TRANSACTION WAS DECLINED", EftOutcome::TryAgain},
-        {"DECLINED BY THE TERMINAL", EftOutcome::FinalRefusal},
-        {"DECLINED BY THE HOST", EftOutcome::TryAgain},
-        {"COMMUNICATION PROBLEM", EftOutcome::TryAgain},
-        {"BANK'S HOST UNREACHABLE", EftOutcome::TryAgain},
-        {"TRANSACTION FAILED - POS ERROR", EftOutcome::TryAgain},
-        {"PROTOCOL NOT SUPPORTED", EftOutcome::FinalRefusal},
-        {"DUPLICATE REQUEST RECEIVED", EftOutcome::FinalRefusal},
-        {"SYNTAX ERROR IN REQUEST", EftOutcome::FinalRefusal},
-        {"INVALID CURRENCY", EftOutcome::FinalRefusal},
-        {"INTERNAL POS ERROR", EftOutcome::FinalRefusal},
-        {"INVALID COMMAND", EftOutcome::FinalRefusal},
-        {"WRONG PARAMETER", EftOutcome::FinalRefusal},
-        {"POS IS BUSY", EftOutcome::TerminalBusy},
-        {"ECR-POS DISCONNECTION", EftOutcome::FinalRefusal},
-        {"USER CANCELLATION OR TIMEOUT", EftOutcome::FinalRefusal},
-        {"ECR INACTIVE EFTPOS", EftOutcome::FinalRefusal},
-        {"RECEIVE:WRONG CMD RECEIVED", EftOutcome::TryAgain},
-        {"SEND:ENCRYPTION ERROR", EftOutcome::FinalRefusal},
-        {"MAC ERROR", EftOutcome::FinalRefusal},
-        {"SEND:TIMEOUT WHILE SEND DATA TO POS", EftOutcome::NoContact},
-        {"CONNECTION CLOSED-ABORTED BY POS", EftOutcome::TryAgain},
-    };
-    for (const auto& [text, outcome] : table) {
-        EXPECT_EQ(ClassifyEftOutcome(replyWith(QString::fromUtf8(text))), outcome) << text;
-        EXPECT_EQ(ClassifyTerminalText(QString::fromUtf8(text)), outcome) << text;
+    const QStringList outcomes = {"Approved", "TryAgain", "FinalRefusal", "TerminalBusy", "NoContact"};
+    const QStringList rows = DataLines("terminal-texts.txt");
+    ASSERT_EQ(rows.size(), 22);
+    for (const QString& row : rows) {
+        const QString text = row.section(u'\t', 0, 0);
+        const auto outcome = EftOutcome(outcomes.indexOf(row.section(u'\t', 1)));
+        EXPECT_EQ(ClassifyEftOutcome(replyWith(text)), outcome) << qPrintable(text);
+        EXPECT_EQ(ClassifyTerminalText(text), outcome) << qPrintable(text);
     }
 }
 

@@ -1,6 +1,7 @@
 // The card terminals behind the virtual register: what the fault script
 // makes them answer, the outcome query, the batch and the tape.
 
+#include "DataFile.h"
 #include "FaultScript.h"
 #include "PrintQString.h"
 #include "SimTestSupport.h"
@@ -11,16 +12,12 @@
 namespace {
 
 // Every text a terminal reports when it took no money.
-const QStringList kRefusalTexts = {
-    "TRANSACTION WAS DECLINED",   "DECLINED BY THE TERMINAL",   "DECLINED BY THE HOST",
-    "COMMUNICATION PROBLEM",      "BANK'S HOST UNREACHABLE",    "TRANSACTION FAILED - POS ERROR",
-    "PROTOCOL NOT SUPPORTED",     "DUPLICATE REQUEST RECEIVED", "SYNTAX ERROR IN REQUEST",
-    "INVALID CURRENCY",           "INTERNAL POS ERROR",         "INVALID COMMAND",
-    "WRONG PARAMETER",            "POS IS BUSY",                "ECR-POS DISCONNECTION",
-    "USER CANCELLATION OR TIMEOUT", "ECR INACTIVE EFTPOS",      "RECEIVE:WRONG CMD RECEIVED",
-    "SEND:ENCRYPTION ERROR",      "MAC ERROR",                  "SEND:TIMEOUT WHILE SEND DATA TO POS",
-    "CONNECTION CLOSED-ABORTED BY POS",
-};
+const QStringList kRefusalTexts = [] {
+    QStringList texts;
+    for (const QString& row : DataLines("terminal-texts.txt"))
+        texts << row.section(u'\t', 0, 0);
+    return texts;
+}();
 
 QString batchCommand(int terminal) { return QStringLiteral("\\/15/%1").arg(terminal) + QString(17, QLatin1Char('/')); }
 
@@ -71,6 +68,7 @@ TEST(TerminalScriptTest, TerminalLinesBecomeRulesInTheirOrder)
 
 TEST(TerminalScriptTest, TheTerminalsVocabularyKnowsEveryRefusalExactly)
 {
+    ASSERT_EQ(kRefusalTexts.size(), 22);
     for (const QString& text : kRefusalTexts)
         EXPECT_FALSE(TerminalOutcome::ofText(text).approved) << qPrintable(text);
     EXPECT_FALSE(TerminalOutcome::ofText("SEND:TIMEOUT WHILE SEND DATA TO POS (30s)").approved);
