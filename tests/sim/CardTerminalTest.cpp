@@ -78,14 +78,6 @@ TEST(TerminalScriptTest, TheTerminalsVocabularyKnowsEveryRefusalExactly)
 
 class Terminals : public ModelTest {
 protected:
-    void script(const QString& text)
-    {
-        FaultScript f;
-        QString error;
-        ASSERT_TRUE(f.parse(text, &error)) << qPrintable(error);
-        for (const TerminalRule& r : f.terminalRules())
-            model.scriptTerminal(r);
-    }
     // What the driver classifies: the last field but one of the outcome query.
     QString lastTerminalText()
     {
@@ -120,47 +112,12 @@ TEST_F(Terminals, EveryRefusalTextIsTheQuerysLastTextAndTakesNoMoney)
 
 TEST_F(Terminals, RulesAnswerTheirTerminalInScriptOrderThenTheTerminalApproves)
 {
-    script("terminal 3: online\n"
-           "terminal 1 x2: busy\n"
-           "terminal 3: nocontact\n"
-           "terminal *: decline DECLINED BY THE HOST\n");
-    EXPECT_EQ(send(",/11/3/"), "00/00/00/1/0.0.0.0/0/EFT POS 3/");
-    send("3/S/ΨΩΜΙ//1.000/10.00/1/24.00/");
-    const QStringList expected = {"SEND:TIMEOUT WHILE SEND DATA TO POS", "POS IS BUSY", "POS IS BUSY",
-                                  "DECLINED BY THE HOST", "APPROVED"};
-    const int terminals[] = {3, 1, 1, 3, 1};
-    for (int i = 0; i < expected.size(); ++i) {
-        send(QStringLiteral("5/2/10.00/ΚΑΡΤΑ///%1/1/").arg(terminals[i]));
-        EXPECT_EQ(lastTerminalText(), expected[i]) << "attempt " << i + 1;
-    }
-    EXPECT_EQ(fields("9/").value(3), "0"); // the approval closed the receipt
-
-    // a terminal taken off the line
-    script("terminal 1: offline\n");
-    EXPECT_EQ(send(",/11/1/").section('/', 3, 3), "0");
-    send("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/");
-    EXPECT_EQ(send("5/2/1.00/ΚΑΡΤΑ///1/1/"), "BC/00/10/");
-    EXPECT_EQ(send("5/2/1.00/ΚΑΡΤΑ///13/1/"), "05/00/10/");
+    play("terminal-rules.txt");
 }
 
 TEST_F(Terminals, TableCardPaymentStaysInClosingUntilTheCardTakesIt)
 {
-    script("terminal 1: decline DECLINED BY THE TERMINAL\n"
-           "terminal 1: nocontact\n");
-    send("&/0/5//////////////");
-    send("3/S/ΜΟΥΣΑΚΑΣ//1.000/9.00/1/13.00/");
-    send("5/1/0.00////");
-    EXPECT_EQ(send("&/1/5//0////////0.00/////"), "00/00/10/");
-    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "C9/00/10/");
-    EXPECT_EQ(lastTerminalText(), "DECLINED BY THE TERMINAL");
-    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "C9/00/10/");
-    EXPECT_EQ(lastTerminalText(), "SEND:TIMEOUT WHILE SEND DATA TO POS");
-    // what the driver sends when the terminal could not be reached
-    EXPECT_EQ(send(")/33/"), "00/00/10/");
-    EXPECT_EQ(send(")/100/"), "00/00/10/");
-    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "00/00/00/");
-    EXPECT_EQ(lastTerminalText(), "APPROVED");
-    EXPECT_EQ(send("&/11/5//0/0///////////"), "00/00/00/0/");
+    play("terminal-table-payment.txt");
 }
 
 TEST(SlowTerminalTest, TheCardPaymentIsAnsweredAfterTheTerminalsSecondsOnTheSimClock)

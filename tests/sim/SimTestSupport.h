@@ -4,6 +4,7 @@
 // tape, and the whole register with its memory on disk.
 
 #include "EcrModel.h"
+#include "FaultScript.h"
 #include "SimRegister.h"
 #include "shell/Clock.h"
 #include "shell/CodePage.h"
@@ -23,31 +24,20 @@ inline QString sendTo(SimRegister& reg, const QString& command)
 }
 
 // Plays a conversation of tests/data/sim/: each line a command, a tab and the
-// reply it must get word for word (no tab: the reply is not looked at);
-// "restart" switches the register off and on; "at <ISO date-time>" sets the
-// clock; "#" starts a comment. With KERBANO_REGOLD set every exchange is also
-// printed as a golden line, for writing a new conversation.
+// reply it must get word for word (no tab: the reply is not looked at); "#"
+// starts a comment. A line the world takes as its own (directive returns true:
+// "restart", "at <ISO date-time>", a fault-script line) is not sent. With
+// KERBANO_REGOLD set every exchange is also printed as a golden line.
 inline void replay(const QString& name, const std::function<QString(const QString&)>& send,
-                   const std::function<void()>& restart = {},
-                   const std::function<void(const QDateTime&)>& at = {})
+                   const std::function<bool(const QString&)>& directive)
 {
     QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/sim/") + name);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
     int number = 0;
     for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
         ++number;
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#')) || directive(line))
             continue;
-        if (line == QLatin1String("restart")) {
-            ASSERT_TRUE(restart) << qPrintable(name) << ":" << number;
-            restart();
-            continue;
-        }
-        if (line.startsWith(QLatin1String("at "))) {
-            ASSERT_TRUE(at) << qPrintable(name) << ":" << number;
-            at(QDateTime::fromString(line.mid(3), Qt::ISODate));
-            continue;
-        }
         const qsizetype tab = line.indexOf(QLatin1Char('\t'));
         const QString reply = send(line.left(tab));
         if (qEnvironmentVariableIsSet("KERBANO_REGOLD"))
@@ -73,10 +63,27 @@ protected:
         return o.reply.text();
     }
     QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
+    // "at" sets the time; "terminal" and "card" lines script the card terminals.
     void play(const QString& name)
     {
-        replay(name, [this](const QString& command) { return send(command); }, {},
-               [this](const QDateTime& t) { now = t; });
+        replay(name, [this](const QString& command) { return send(command); },
+               [this](const QString& line) {
+                   if (line.startsWith(QLatin1String("at ")))
+                       now = QDateTime::fromString(line.mid(3), Qt::ISODate);
+                   else if (line.startsWith(QLatin1String("terminal ")) || line.startsWith(QLatin1String("card ")))
+                       script(line);
+                   else
+                       return false;
+                   return true;
+               });
+    }
+    void script(const QString& text)
+    {
+        FaultScript f;
+        QString error;
+        ASSERT_TRUE(f.parse(text, &error)) << qPrintable(error);
+        for (const TerminalRule& r : f.terminalRules())
+            model.scriptTerminal(r);
     }
 };
 
@@ -103,7 +110,8 @@ protected:
     QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
     void play(const QString& name)
     {
-        replay(name, [this](const QString& command) { return send(command); }, [this] { restart(); });
+        replay(name, [this](const QString& command) { return send(command); },
+               [this](const QString& line) { return line == QLatin1String("restart") && (restart(), true); });
     }
     QString tape() const
     {
