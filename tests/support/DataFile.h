@@ -15,3 +15,15 @@ inline QStringList DataLines(const QString& name)
                 lines << line;
     return lines;
 }
+
+// A golden text file under tests/data/ line by line, as it stands.
+inline QStringList DataFileLines(const QString& name)
+{
+    QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/") + name);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
