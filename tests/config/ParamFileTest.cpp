@@ -65,11 +65,8 @@ TEST(ParamFileReader, AWrittenFileReadsBackToTheSameSettings)
     }
     ParamSettings read;
     ASSERT_TRUE(readParamFile(path, ParamReader::Start, read));
-    EXPECT_EQ(read.job.multiType, QStringLiteral("fals"));
-    EXPECT_EQ(read.job.printCode, QStringLiteral("falseN"));
-    EXPECT_EQ(read.job.location, QStringLiteral("\\kerbano\\"));
-    EXPECT_EQ(read.job.time, QStringLiteral("0"));
-    EXPECT_EQ(read.job.code, QStringLiteral("no"));
+    EXPECT_EQ((QStringList{read.job.multiType, read.job.printCode, read.job.location, read.job.time, read.job.code}),
+              (QStringList{"fals", "falseN", "\\kerbano\\", "0", "no"}));
 }
 
 TEST(ParamFileReader, HandEditedFileReadsAsTheColumnsSay)
@@ -86,13 +83,9 @@ TEST(ParamFileReader, HandEditedFileReadsAsTheColumnsSay)
         "[autostar]=YES please\r\n"
         "[spRet   ]=1\r\n[eMail   ]=a@b.gr\r\n[ZeMail  ]=1\r\n");
     const ParamSettings start = readParamText(text, ParamReader::Start);
-    EXPECT_EQ(start.port, QStringLiteral(" com2"));
-    EXPECT_EQ(start.baud, QStringLiteral("9600 f"));
-    EXPECT_EQ(start.job.file, QStringLiteral("123456789012345678901234567890"));
-    EXPECT_EQ(start.job.multiType, QStringLiteral("TRUE"));
-    EXPECT_EQ(start.job.comments, QString());
-    EXPECT_EQ(start.job.currency, QStringLiteral("0"));
-    EXPECT_EQ(start.job.time, QString());
+    EXPECT_EQ((QStringList{start.port, start.baud, start.job.file, start.job.multiType, start.job.comments,
+                           start.job.currency, start.job.time}),
+              (QStringList{" com2", "9600 f", "123456789012345678901234567890", "TRUE", "", "0", ""}));
     EXPECT_TRUE(start.autoStart);
     EXPECT_TRUE(ParamSettings::flagValue(start.spRet));
     EXPECT_EQ(ParamSettings::wholeNumberValue(start.ZeMail), 1);
