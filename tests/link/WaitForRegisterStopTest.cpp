@@ -44,8 +44,7 @@ TEST_F(WaitForRegisterStopTest, AStopPostedToTheEventLoopEndsTheWaitAtTheNextPau
 
     EXPECT_EQ(WaitForRegister(link, op, clock), 44);
     EXPECT_EQ(tries, 1) << "asked again after the stop";
-    ASSERT_FALSE(op.waitEvents.isEmpty());
-    EXPECT_EQ(op.waitEvents.last().kind, ScriptedOperator::WaitEvent::Close);
+    EXPECT_EQ(windowEvents(), QStringList({"open Status [44]", "close"}));
 }
 
 TEST_F(WaitForRegisterStopTest, TheWaitLimitEndsItOnTheClockAndACardPaymentIsWaitedOut)
