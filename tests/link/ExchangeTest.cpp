@@ -255,15 +255,6 @@ TEST_F(TcpExchangeTest, AReplyCutByTheNetworkIsOneReplyAndStaleBytesAreDroppedBe
     EXPECT_TRUE(logBytes().contains(" Buf       06/00/00/\r\n"));
 }
 
-TEST_F(TcpExchangeTest, OneSendWhereACommandMustNotGoOutTwiceBlindly)
-{
-    FakeTransport& t = open();
-    const DeviceReply silent = TcpExchange(net, clock, log).run("3/S/A//1.000/1.00/1/24.00/", false, 1);
-    EXPECT_EQ(silent.status(), -4);
-    EXPECT_EQ(silent.outcome(), ReplyOutcome::NoReply);
-    EXPECT_EQ(t.writes.size(), 1);
-}
-
 TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySecondsButAClosingPeerEndsAtOnce)
 {
     FakeTransport& t = open();
