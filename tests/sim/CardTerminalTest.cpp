@@ -19,8 +19,6 @@ const QStringList kRefusalTexts = [] {
     return texts;
 }();
 
-QString batchCommand(int terminal) { return QStringLiteral("\\/15/%1").arg(terminal) + QString(17, QLatin1Char('/')); }
-
 TEST(TerminalScriptTest, TerminalLinesBecomeRulesInTheirOrder)
 {
     FaultScript f;
@@ -141,38 +139,15 @@ TEST(SlowTerminalTest, TheCardPaymentIsAnsweredAfterTheTerminalsSecondsOnTheSimC
     EXPECT_TRUE(t.waitForData(0));
 }
 
-TEST(TerminalBatchTest, BatchReportsThePackageSinceTheLastOneAndSurvivesARestart)
-{
-    QTemporaryDir dir;
-    VirtualClock clock;
-    const QString tapePath = dir.filePath("tape.txt");
-    const auto send = sendTo;
-    {
-        SimRegister reg({dir.path(), {}, tapePath, {}, {}}, clock);
-        ASSERT_TRUE(reg.loadFaults("terminal 1 x1: busy\n"));
-        send(reg, "3/S/ΨΩΜΙ//1.000/4.00/1/24.00/");
-        send(reg, "5/2/4.00/ΚΑΡΤΑ///1/1/"); // busy: takes nothing
-        EXPECT_EQ(send(reg, batchCommand(1)), "14/00/10/"); // not with a receipt in hand
-        send(reg, "5/2/4.00/ΚΑΡΤΑ///1/1/");
-        send(reg, "3/S/ΓΑΛΑ//1.000/2.50/1/13.00/");
-        send(reg, "5/2/2.50/ΚΑΡΤΑ///1/1/");
-    }
-    SimRegister reg({dir.path(), {}, tapePath, {}, {}}, clock);
-    // a refused batch, as the guide writes it, leaves the package alone
-    ASSERT_TRUE(reg.loadFaults("/^\\\\\\/15\\// x1: code BB\n"));
-    EXPECT_EQ(send(reg, batchCommand(1)), "BB/00/00/");
-    EXPECT_EQ(send(reg, batchCommand(1)), "00/00/00/2/6.50/");
-    EXPECT_EQ(send(reg, batchCommand(1)), "00/00/00/0/0.00/");
-    EXPECT_EQ(send(reg, batchCommand(2)), "BC/00/00/");
-    EXPECT_EQ(send(reg, batchCommand(13)), "05/00/00/");
-    EXPECT_EQ(send(reg, "\\/15/1////"), "01/00/00/");
+using TerminalBatch = DiskRegisterTest;
 
-    QFile f(tapePath);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    const QStringList tape = QString::fromUtf8(f.readAll()).split('\n');
-    EXPECT_EQ(tape.filter(QRegularExpression("^ +ΠΑΚΕΤΟ ΣΥΝΑΛΛΑΓΩΝ EFT #1$")).size(), 2);
-    EXPECT_EQ(tape.filter(QRegularExpression("^ΣΥΝΑΛΛΑΓΕΣ +2$")).size(), 1);
-    EXPECT_EQ(tape.filter(QRegularExpression("^ΣΥΝΟΛΟ +6\\.50$")).size(), 1);
+TEST_F(TerminalBatch, BatchReportsThePackageSinceTheLastOneAndSurvivesARestart)
+{
+    play("terminal-batch.txt");
+    const QStringList paper = tape().split('\n');
+    EXPECT_EQ(paper.filter(QRegularExpression("^ +ΠΑΚΕΤΟ ΣΥΝΑΛΛΑΓΩΝ EFT #1$")).size(), 2);
+    EXPECT_EQ(paper.filter(QRegularExpression("^ΣΥΝΑΛΛΑΓΕΣ +2$")).size(), 1);
+    EXPECT_EQ(paper.filter(QRegularExpression("^ΣΥΝΟΛΟ +6\\.50$")).size(), 1);
 }
 
 } // namespace

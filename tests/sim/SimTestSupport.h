@@ -87,7 +87,8 @@ protected:
     }
 };
 
-// The whole register with its memory and tape in a temporary directory.
+// The whole register with its memory and tape in a temporary directory; a
+// "fault" line of a conversation loads a line of fault script.
 class DiskRegisterTest : public ::testing::Test {
 protected:
     QTemporaryDir dir;
@@ -111,7 +112,15 @@ protected:
     void play(const QString& name)
     {
         replay(name, [this](const QString& command) { return send(command); },
-               [this](const QString& line) { return line == QLatin1String("restart") && (restart(), true); });
+               [this](const QString& line) {
+                   if (line == QLatin1String("restart"))
+                       restart();
+                   else if (line.startsWith(QLatin1String("fault ")))
+                       EXPECT_TRUE(reg->loadFaults(line.mid(6))) << qPrintable(line);
+                   else
+                       return false;
+                   return true;
+               });
     }
     QString tape() const
     {
