@@ -37,12 +37,8 @@ TEST(MailSettings, ReadsEveryKeyOfTheSmtpSection)
                            "from = Κατάστημα <kasa@shop.gr>\r\n"
                            "unknown = ignored\r\n");
     ASSERT_EQ(p.status, 0) << p.problem.toStdString();
-    EXPECT_EQ(p.settings.host, QStringLiteral("mail.shop.gr"));
-    EXPECT_EQ(p.settings.port, 2525);
-    EXPECT_EQ(p.settings.security, MailSecurity::StartTls);
-    EXPECT_EQ(p.settings.user, QStringLiteral("kasa@shop.gr"));
-    EXPECT_EQ(p.settings.password, QStringLiteral(" pass;word= "));
-    EXPECT_EQ(p.settings.from, QStringLiteral("Κατάστημα <kasa@shop.gr>"));
+    EXPECT_EQ(p.settings, (MailSettings{"mail.shop.gr", 2525, MailSecurity::StartTls, "kasa@shop.gr", " pass;word= ",
+                                        "Κατάστημα <kasa@shop.gr>"}));
     EXPECT_TRUE(p.problem.isEmpty());
 }
 
@@ -111,12 +107,7 @@ TEST(MailSettings, WrittenFileReadsBackTheSameAndOnlyTheOwnerMayReadIt)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("mail.ini"));
-    MailSettings written;
-    written.host = QStringLiteral("mail.shop.gr");
-    written.security = MailSecurity::Tls;
-    written.user = QStringLiteral("kasa");
-    written.password = QStringLiteral(" #secret; ");
-    written.from = QStringLiteral("\"Κατάστημα\" <kasa@shop.gr>");
+    MailSettings written{"mail.shop.gr", 0, MailSecurity::Tls, "kasa", " #secret; ", "\"Κατάστημα\" <kasa@shop.gr>"};
     ASSERT_EQ(WriteMailSettings(path, written), 0);
 
     MailSettings read;
@@ -125,10 +116,7 @@ TEST(MailSettings, WrittenFileReadsBackTheSameAndOnlyTheOwnerMayReadIt)
     EXPECT_EQ(read, written);
     EXPECT_EQ(QFile::permissions(path) & (QFileDevice::ReadGroup | QFileDevice::ReadOther), QFileDevice::Permissions{});
 
-    written.port = 2465;
-    written.security = MailSecurity::None;
-    written.user.clear();
-    written.password.clear();
+    written = {"mail.shop.gr", 2465, MailSecurity::None, {}, {}, written.from};
     ASSERT_EQ(WriteMailSettings(path, written), 0);
     ASSERT_EQ(ReadMailSettings(path, read, problem), 0);
     EXPECT_EQ(read, written);

@@ -2,6 +2,8 @@
 #include "config/ParamFileWriter.h"
 #include "shell/CodePage.h"
 
+#include "DataFile.h"
+
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -31,43 +33,19 @@ QStringList linesOf(const QByteArray& bytes)
 }
 } // namespace
 
-TEST(ParamFileWriter, WritesTheThirtyEightLinesInTheirOrder)
-{
-    const QStringList lines = linesOf(writeParamText(everyBoxOn(), kToday));
-    ASSERT_EQ(lines.size(), 38);
-    EXPECT_EQ(lines[0], QStringLiteral("# Set up for kerbano program"));
-    EXPECT_EQ(lines[1], QStringLiteral("Created by  Kerbano on 03-07-2026"));
-    EXPECT_EQ(lines[3], QStringLiteral("[port] com3"));
-    EXPECT_EQ(lines[6], QStringLiteral("[baud] 19200"));
-    EXPECT_EQ(lines[9], QStringLiteral("# Setup the application to generate  \\myapp\\print.1 and kerbcano will"));
-    EXPECT_EQ(lines[12], QStringLiteral("[file] print"));
-    EXPECT_EQ(lines[13], QString());
-    EXPECT_EQ(lines.mid(15, 14),
-              (QStringList{"[code] no", "# Type of machine", "[ecrt] TECFP", "[multi type] true", "[time] 0",
-                           "[subtotal] yes", "[print_desc] true", "[print_code] true A", "[comments] true",
-                           "[currency]=2", "[keyb_off]=true ", "[dir_depa]=true", "[quantity]=true",
-                           "[spRet   ]=1"}));
-    EXPECT_EQ(lines.mid(29, 9),
-              (QStringList{"[cpDOS   ]=1", "[eMail   ]=z@shop.gr", "[ZeMail  ]=1",
-                           "################################", "# Customer Specific Parameters #",
-                           "################################", "[AutoStar]=yes", "[location] \\shop\\",
-                           "# End of parameter file #"}));
-}
-
-TEST(ParamFileWriter, BoxesOffUnknownDeviceAndEmptyLocation)
+ParamFormValues everyBoxOff()
 {
     ParamFormValues f;
-    f.typetxt = QStringLiteral("Other");
-    f.currency = -1;
-    f.comtxt = QStringLiteral("192.168.1.50");
-    f.comtxt = WithDefaultTcpPort(f.comtxt, true);
-    const QStringList lines = linesOf(writeParamText(f, kToday));
-    ASSERT_EQ(lines.size(), 36); // no [ecrt] line, no [currency] line
-    EXPECT_TRUE(lines.contains(QStringLiteral("[port] 192.168.1.50:9101")));
-    EXPECT_TRUE(lines.contains(QStringLiteral("[print_code] falseN")));
-    EXPECT_TRUE(lines.contains(QStringLiteral("[keyb_off]=false")));
-    EXPECT_TRUE(lines.contains(QStringLiteral("[AutoStar]=no")));
-    EXPECT_TRUE(lines.contains(QStringLiteral("[location] \\kerbano\\")));
+    f.typetxt = QStringLiteral("Other"); // no [ecrt] line
+    f.currency = -1;                     // no [currency] line
+    f.comtxt = WithDefaultTcpPort(QStringLiteral("192.168.1.50"), true);
+    return f;
+}
+
+TEST(ParamFileWriter, WritesItsLinesInTheirOrderWithEveryBoxOnOrOff)
+{
+    EXPECT_EQ(linesOf(writeParamText(everyBoxOn(), kToday)), DataFileLines("param-every-box-on.ini"));
+    EXPECT_EQ(linesOf(writeParamText(everyBoxOff(), kToday)), DataFileLines("param-every-box-off.ini"));
     EXPECT_EQ(WithDefaultTcpPort(QStringLiteral("10.0.0.2:9200"), true), QStringLiteral("10.0.0.2:9200"));
     EXPECT_EQ(WithDefaultTcpPort(QStringLiteral("com1"), false), QStringLiteral("com1"));
 }
@@ -87,11 +65,8 @@ TEST(ParamFileReader, AWrittenFileReadsBackToTheSameSettings)
     }
     ParamSettings read;
     ASSERT_TRUE(readParamFile(path, ParamReader::Start, read));
-    EXPECT_EQ(read.job.multiType, QStringLiteral("fals"));
-    EXPECT_EQ(read.job.printCode, QStringLiteral("falseN"));
-    EXPECT_EQ(read.job.location, QStringLiteral("\\kerbano\\"));
-    EXPECT_EQ(read.job.time, QStringLiteral("0"));
-    EXPECT_EQ(read.job.code, QStringLiteral("no"));
+    EXPECT_EQ((QStringList{read.job.multiType, read.job.printCode, read.job.location, read.job.time, read.job.code}),
+              (QStringList{"fals", "falseN", "\\kerbano\\", "0", "no"}));
 }
 
 TEST(ParamFileReader, HandEditedFileReadsAsTheColumnsSay)
@@ -108,13 +83,9 @@ TEST(ParamFileReader, HandEditedFileReadsAsTheColumnsSay)
         "[autostar]=YES please\r\n"
         "[spRet   ]=1\r\n[eMail   ]=a@b.gr\r\n[ZeMail  ]=1\r\n");
     const ParamSettings start = readParamText(text, ParamReader::Start);
-    EXPECT_EQ(start.port, QStringLiteral(" com2"));
-    EXPECT_EQ(start.baud, QStringLiteral("9600 f"));
-    EXPECT_EQ(start.job.file, QStringLiteral("123456789012345678901234567890"));
-    EXPECT_EQ(start.job.multiType, QStringLiteral("TRUE"));
-    EXPECT_EQ(start.job.comments, QString());
-    EXPECT_EQ(start.job.currency, QStringLiteral("0"));
-    EXPECT_EQ(start.job.time, QString());
+    EXPECT_EQ((QStringList{start.port, start.baud, start.job.file, start.job.multiType, start.job.comments,
+                           start.job.currency, start.job.time}),
+              (QStringList{" com2", "9600 f", "123456789012345678901234567890", "TRUE", "", "0", ""}));
     EXPECT_TRUE(start.autoStart);
     EXPECT_TRUE(ParamSettings::flagValue(start.spRet));
     EXPECT_EQ(ParamSettings::wholeNumberValue(start.ZeMail), 1);

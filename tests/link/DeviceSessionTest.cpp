@@ -7,7 +7,7 @@
 #include "PrintQString.h"
 #include "link/WaitForRegister.h"
 
-#include <QFile>
+#include <QRegularExpression>
 #include <QTimer>
 #include <optional>
 
@@ -20,22 +20,11 @@ const SendOptions kCardOptions{.timeoutSeconds = 301, .logMode = SendOptions::kL
 
 class DeviceSessionTest : public QueuedRegisterTest {
 protected:
+
     DeviceSessionTest()
     {
         vars.DebugEnabled = true;
         vars.baud = "9600";
-    }
-    QByteArray logBytes() const
-    {
-        QFile f(log.filePath());
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
-    int countOf(ScriptedOperator::WaitEvent::Kind kind) const
-    {
-        int n = 0;
-        for (const auto& e : op.waitEvents)
-            n += e.kind == kind;
-        return n;
     }
 };
 
@@ -47,11 +36,9 @@ TEST_F(DeviceSessionTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
     send(kPlu);
     EXPECT_EQ(status, 0);
     EXPECT_EQ(sent, QStringList({kPlu, "?/", "?/", kPlu}));
-    ASSERT_GE(op.waitEvents.size(), 3);
+    ASSERT_EQ(windowEvents(), QStringList({"open Status [44]", "update Status [44]", "close"}));
     EXPECT_EQ(op.waitEvents[0].caption, "Μήνυμα Ταμειακής (" + vars.DeviceLabel + ")");
-    EXPECT_EQ(op.waitEvents[0].stateLine, "Status [44]");
     EXPECT_EQ(op.waitEvents[0].description, "Τέλος Χαρτοταινίας  'PAPEREND' !");
-    EXPECT_EQ(op.waitEvents.back().kind, ScriptedOperator::WaitEvent::Close);
     EXPECT_FALSE(link.WaitFormOpen());
     EXPECT_TRUE(results.lines.isEmpty());
 
@@ -142,9 +129,8 @@ TEST_F(DeviceSessionTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds
     replies["5/3/9.00///1/1/"] = {"C1/00/00/"};
     replies["?/"] = {"CF/00/00/", "00/00/04/", "00/00/00/"};
     send("5/3/9.00///1/1/", false, 2);
-    EXPECT_EQ(op.waitEvents[0].stateLine, "Αναμονή EFTPOS[193]");
-    EXPECT_EQ(op.waitEvents[1].stateLine, "Αναμονή EFTPOS[207]");
-    EXPECT_EQ(op.waitEvents.size(), 3); // open, one update, close: 251 touched nothing
+    // 251 touched nothing
+    EXPECT_EQ(windowEvents(), QStringList({"open Αναμονή EFTPOS[193]", "update Αναμονή EFTPOS[207]", "close"}));
     EXPECT_GE(clock.monotonicMs(), 3 * 2000 + 10000);
     EXPECT_TRUE(logBytes().contains(" open Receipt, wait 10s\r\n"));
 }
@@ -238,7 +224,7 @@ TEST_F(DeviceSessionTest, WaitForRegisterReleasesAReceiptThatAnswers70)
     EXPECT_EQ(WaitForRegister(link, op, clock), 0);
     EXPECT_EQ(sent, QStringList({"5/1/0.00////", "5/1/0.00////", ")/15/", ")/71/", ")/15/", ")/15/"}));
     EXPECT_EQ(op.waitEvents.first().caption, "Μήνυμα Ταμειακής (Αναμονή ολοκλήρωσης ταμειακής)");
-    EXPECT_EQ(op.waitEvents.last().kind, ScriptedOperator::WaitEvent::Close);
+    EXPECT_EQ(windowEvents(), QStringList({"open Status [26]", "close"}));
 }
 
 TEST_F(DeviceSessionTest, VersionInfoOpensAsksAndClosesAgain)
@@ -313,8 +299,9 @@ TEST_F(DeviceSessionTest, AStopDuringTheWaitEndsItWithoutSendingTheCommandAgain)
 
     EXPECT_EQ(status, 44);
     EXPECT_EQ(sent, QStringList({kPlu, "?/", "?/", "?/"})) << "no poll after the stop, and no resend";
-    EXPECT_EQ(countOf(ScriptedOperator::WaitEvent::Open), 1);
-    EXPECT_EQ(op.waitEvents.back().kind, ScriptedOperator::WaitEvent::Close);
+    const QStringList firstWindow = {"open Status [44]", "update Status [44]", "update Status [44]",
+                                     "update Status [44]", "close"};
+    EXPECT_EQ(windowEvents(), firstWindow);
     EXPECT_FALSE(link.WaitFormOpen());
     ASSERT_EQ(results.lines.size(), 1);
     EXPECT_TRUE(results.lines[0].startsWith("Err = 44, [" + kPlu + "]"));
@@ -326,8 +313,7 @@ TEST_F(DeviceSessionTest, AStopDuringTheWaitEndsItWithoutSendingTheCommandAgain)
     send(kPlu);
     EXPECT_EQ(status, 26);
     EXPECT_EQ(sent, QStringList({kPlu}));
-    EXPECT_EQ(countOf(ScriptedOperator::WaitEvent::Open), 2);
-    EXPECT_EQ(countOf(ScriptedOperator::WaitEvent::Close), 2);
+    EXPECT_EQ(windowEvents(), firstWindow + QStringList({"open Status [26]", "close"}));
 }
 
 TEST_F(DeviceSessionTest, TheWaitLimitCountsOverTheResendsOfOneCommandOnTheClock)
@@ -345,7 +331,7 @@ TEST_F(DeviceSessionTest, TheWaitLimitCountsOverTheResendsOfOneCommandOnTheClock
     EXPECT_GE(clock.monotonicMs(), vars.WaitLimitMs);
     EXPECT_LT(clock.monotonicMs(), vars.WaitLimitMs + 2 * DeviceSession::kPollIntervalMs + 1000);
     EXPECT_EQ(sent.count(kPlu), sent.count("?/") + 1) << "the last window sends nothing again";
-    EXPECT_EQ(countOf(ScriptedOperator::WaitEvent::Open), countOf(ScriptedOperator::WaitEvent::Close));
+    EXPECT_EQ(windowEvents().filter(QRegularExpression("^open ")).size(), windowEvents().count("close"));
     ASSERT_EQ(results.lines.size(), 1);
     EXPECT_TRUE(results.lines[0].startsWith("Err = 44, "));
 }
@@ -418,10 +404,8 @@ TEST_F(DeviceSessionTest, WhileACardPaymentRunsTheWaitWindowPollsWithTheLongWait
     const DeviceReply reply = link.send(kCard, kCardOptions);
     EXPECT_EQ(reply.status(), 193);
     EXPECT_EQ(sent, (QStringList{kCard, "?/"}));
-    ASSERT_FALSE(op.waitEvents.isEmpty());
-    EXPECT_EQ(op.waitEvents.first().stateLine, "Αναμονή EFTPOS[193]");
-    EXPECT_EQ(op.waitEvents.last().kind, ScriptedOperator::WaitEvent::Close);
-    EXPECT_EQ(op.waitEvents.size(), 2); // no unanswered poll in between
+    // no unanswered poll in between
+    EXPECT_EQ(windowEvents(), QStringList({"open Αναμονή EFTPOS[193]", "close"}));
 }
 
 } // namespace

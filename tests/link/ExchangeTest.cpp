@@ -1,16 +1,9 @@
-#include "FakeTransport.h"
-#include "ScriptedOperator.h"
+#include "SessionWorld.h"
 
 #include "link/SerialExchange.h"
 #include "link/SerialFrame.h"
 #include "link/TcpExchange.h"
 #include "link/clsNet_TCP.h"
-#include "shell/CommunicationLog.h"
-#include "shell/ModuleVariables.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -18,19 +11,9 @@ const QByteArray kEnq(1, 0x05);
 const QByteArray kAck(1, 0x06);
 QByteArray replyFrame(const QByteArray& text) { return "\x02" + text + "\x03"; }
 
-class ExchangeTest : public ::testing::Test {
+class ExchangeTest : public ::testing::Test, protected SessionWorld {
 protected:
     ExchangeTest() { vars.DebugEnabled = true; }
-    QByteArray logBytes() const
-    {
-        QFile f(log.filePath());
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
-
-    VirtualClock clock;
-    ModuleVariables vars;
-    QTemporaryDir dir;
-    CommunicationLog log{dir.path(), vars};
     // What the last run left, as SendCommand's callers see it.
     void keep(const DeviceReply& answer)
     {
@@ -50,19 +33,19 @@ protected:
     // what follows the n-th frame (from 1).
     void device(std::function<void(int frame)> frameReply)
     {
-        port.onWrite = [this, frameReply](const QByteArray& w) {
+        line.onWrite = [this, frameReply](const QByteArray& w) {
             if (w == kEnq)
-                port.deliver(kAck, 5);
+                line.deliver(kAck, 5);
             else if (w.startsWith('\x02'))
                 frameReply(++frames);
         };
     }
     void run(const QString& command)
     {
-        keep(SerialExchange(port, clock, log).run(FrameCommand(command), timeout, false));
+        keep(SerialExchange(line, clock, log).run(FrameCommand(command), timeout, false));
     }
 
-    FakeTransport port{clock};
+    FakeTransport line{clock};
     int frames = 0;
     qint16 timeout = 0;
 };
@@ -70,18 +53,18 @@ protected:
 TEST_F(SerialExchangeTest, StatusPollGoesOutFramedIsAcknowledgedAndLogged)
 {
     device([this](int) {
-        port.deliver(replyFrame("00/00/00/"), 30);
-        port.deliver(kAck + "Z", 60); // leftovers are drained into the log
+        line.deliver(replyFrame("00/00/00/"), 30);
+        line.deliver(kAck + "Z", 60); // leftovers are drained into the log
     });
     run("?/");
     EXPECT_EQ(status, 0);
     EXPECT_EQ(reply, "00/00/00/");
-    ASSERT_GE(port.writes.size(), 3);
-    EXPECT_EQ(port.writes[0].bytes, kEnq);
-    EXPECT_EQ(port.writes[1].bytes, QByteArray("\x02?/10\x03"));
+    ASSERT_GE(line.writes.size(), 3);
+    EXPECT_EQ(line.writes[0].bytes, kEnq);
+    EXPECT_EQ(line.writes[1].bytes, QByteArray("\x02?/10\x03"));
     // 50 ms after ENQ, then one read that ends after 20 ms of silence.
-    EXPECT_EQ(port.writes[1].atMs - port.writes[0].atMs, 50 + 20);
-    EXPECT_EQ(port.writes[2].bytes, kAck);
+    EXPECT_EQ(line.writes[1].atMs - line.writes[0].atMs, 50 + 20);
+    EXPECT_EQ(line.writes[2].bytes, kAck);
     EXPECT_EQ(timeout, 3);
     // The log keeps STX and ETX as bytes, each line with its mm:ss stamp.
     const QByteArray logged = logBytes();
@@ -105,7 +88,7 @@ TEST_F(SerialExchangeTest, SilentLineGivesNoEnqAnswerAfterTheEnqWaitAndNoFrame)
         EXPECT_GT(clock.monotonicMs() - start, notBefore) << wait;
         EXPECT_LT(clock.monotonicMs() - start, notAfter) << wait;
     }
-    for (const auto& w : port.writes)
+    for (const auto& w : line.writes)
         EXPECT_EQ(w.bytes, kEnq);
 }
 
@@ -117,7 +100,7 @@ TEST_F(SerialExchangeTest, RegisterThatNeverRepliesGetsFourFramesThreeSecondsApa
     EXPECT_EQ(reply, "Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
     EXPECT_EQ(outcome, ReplyOutcome::NoReply);
     QList<qint64> enqAt, frameAt;
-    for (const auto& w : port.writes)
+    for (const auto& w : line.writes)
         (w.bytes == kEnq ? enqAt : frameAt) << w.atMs;
     ASSERT_EQ(enqAt.size(), 4);
     ASSERT_EQ(frameAt.size(), 4);
@@ -130,9 +113,9 @@ TEST_F(SerialExchangeTest, RegisterThatNeverRepliesGetsFourFramesThreeSecondsApa
 TEST_F(SerialExchangeTest, ReplyInPiecesIsCollectedUntilEtx)
 {
     device([this](int) {
-        port.deliver("\x02" "00/00", 100);
-        port.deliver("/00/9", 400);
-        port.deliver("/\x03", 900);
+        line.deliver("\x02" "00/00", 100);
+        line.deliver("/00/9", 400);
+        line.deliver("/\x03", 900);
     });
     run("?/");
     EXPECT_EQ(status, 0);
@@ -159,9 +142,9 @@ TEST_F(SerialExchangeTest, LateNackOrMisplacedEtxSendsTheFrameAgain)
         device([&](int n) {
             if (n == 1)
                 for (const auto& [bytes, delay] : c.first)
-                    port.deliver(bytes, delay);
+                    line.deliver(bytes, delay);
             else
-                port.deliver(c.second, 30);
+                line.deliver(c.second, 30);
         });
         run("?/");
         EXPECT_EQ(frames, 2) << c.why;
@@ -170,7 +153,7 @@ TEST_F(SerialExchangeTest, LateNackOrMisplacedEtxSendsTheFrameAgain)
             EXPECT_EQ(reply, c.reply) << c.why;
         }
         clock.advance(10000); // let anything left drain before the next case
-        port.read(4096);
+        line.read(4096);
     }
 }
 
@@ -178,11 +161,11 @@ TEST_F(SerialExchangeTest, OneSilentFrameAtMostWhereACommandMustNotGoOutTwiceBli
 {
     device([this](int frame) {
         if (frame == 1)
-            port.deliver("\x15", 5);
+            line.deliver("\x15", 5);
         else if (frame == 3)
-            port.deliver(replyFrame("00/00/00/"), 5);
+            line.deliver(replyFrame("00/00/00/"), 5);
     });
-    const DeviceReply reply = SerialExchange(port, clock, log).run(FrameCommand("4/1.00//A/0/0/1/"), timeout, false, 1);
+    const DeviceReply reply = SerialExchange(line, clock, log).run(FrameCommand("4/1.00//A/0/0/1/"), timeout, false, 1);
     EXPECT_EQ(reply.status(), -4);
     EXPECT_EQ(reply.outcome(), ReplyOutcome::NoReply);
     EXPECT_EQ(frames, 2) << "the NACKed frame went again, the silent one did not";
@@ -190,12 +173,12 @@ TEST_F(SerialExchangeTest, OneSilentFrameAtMostWhereACommandMustNotGoOutTwiceBli
 
 TEST_F(SerialExchangeTest, LongFrameGoesOutInPiecesOf255)
 {
-    device([this](int) { port.deliver(replyFrame("00/00/00/"), 30); });
+    device([this](int) { line.deliver(replyFrame("00/00/00/"), 30); });
     run(QString(296, u'Α'));
-    ASSERT_GE(port.writes.size(), 3);
-    EXPECT_EQ(port.writes[1].bytes.size(), 255);
-    EXPECT_EQ(port.writes[2].bytes.size(), 45);
-    EXPECT_EQ(uchar(port.writes[1].bytes.at(1)), 0xC1);
+    ASSERT_GE(line.writes.size(), 3);
+    EXPECT_EQ(line.writes[1].bytes.size(), 255);
+    EXPECT_EQ(line.writes[2].bytes.size(), 45);
+    EXPECT_EQ(uchar(line.writes[1].bytes.at(1)), 0xC1);
 }
 
 class TcpExchangeTest : public ExchangeTest {
@@ -215,8 +198,6 @@ protected:
     }
     void run(const QString& command) { keep(TcpExchange(net, clock, log).run(command, false)); }
 
-    ScriptedOperator op;
-    FakeFactory factory{clock};
     clsNet_TCP net{factory, log, clock, op, vars};
 };
 
@@ -272,15 +253,6 @@ TEST_F(TcpExchangeTest, AReplyCutByTheNetworkIsOneReplyAndStaleBytesAreDroppedBe
     run("?/");
     EXPECT_EQ(status, 0);
     EXPECT_TRUE(logBytes().contains(" Buf       06/00/00/\r\n"));
-}
-
-TEST_F(TcpExchangeTest, OneSendWhereACommandMustNotGoOutTwiceBlindly)
-{
-    FakeTransport& t = open();
-    const DeviceReply silent = TcpExchange(net, clock, log).run("3/S/A//1.000/1.00/1/24.00/", false, 1);
-    EXPECT_EQ(silent.status(), -4);
-    EXPECT_EQ(silent.outcome(), ReplyOutcome::NoReply);
-    EXPECT_EQ(t.writes.size(), 1);
 }
 
 TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySecondsButAClosingPeerEndsAtOnce)

@@ -11,6 +11,7 @@
 #include "shell/ModuleVariables.h"
 #include "shell/ResultSink.h"
 
+#include <QFile>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <deque>
@@ -40,6 +41,21 @@ struct SessionWorld {
     RecordingSink results;
     DevicePort port{vars, clock, op, factory, log};
     DeviceSession link{port, vars, clock, op, form, results, log};
+
+    // The wait window as the operator saw it: "open <state line>",
+    // "update <state line>", "close".
+    QStringList windowEvents() const
+    {
+        QStringList events;
+        for (const auto& e : op.waitEvents)
+            events << QStringList{"open ", "update ", "close"}.value(e.kind) + (e.kind == e.Close ? QString() : e.stateLine);
+        return events;
+    }
+    QByteArray logBytes() const
+    {
+        QFile f(log.filePath());
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
 };
 
 // A register behind every pipe the session opens: each command is answered

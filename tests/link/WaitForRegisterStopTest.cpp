@@ -16,25 +16,15 @@ constexpr int kTriesBeforeClearing = 40;
 
 // A register over TCP that answers the zero payment with paper end (44)
 // until it has been asked kTriesBeforeClearing times.
-class WaitForRegisterStopTest : public ::testing::Test, protected SessionWorld {
+class WaitForRegisterStopTest : public QueuedRegisterTest {
 protected:
-    WaitForRegisterStopTest()
+    void SetUp() override
     {
-        factory.script = [this](FakeTransport& t) {
-            t.onWrite = [this, &t](const QByteArray& w) {
-                const QString command = QString::fromLatin1(w);
-                tries += command == kZeroPayment;
-                const bool busy = command == kZeroPayment && tries < kTriesBeforeClearing;
-                t.deliver(busy ? "2C/00/00/" : "00/00/00/", 5);
-            };
-        };
-        qint16 status = 0;
-        QString reply;
-        link.OpenDeviceLink("127.0.0.1:9101", status, reply, true);
-        tries = 0;
+        open();
+        replies[kZeroPayment] = std::deque<QString>(kTriesBeforeClearing - 1, "2C/00/00/");
+        replies[kZeroPayment].push_back("00/00/00/");
     }
-
-    int tries = 0;
+    qsizetype tries() const { return sent.count(kZeroPayment); }
 };
 
 TEST_F(WaitForRegisterStopTest, AStopPostedToTheEventLoopEndsTheWaitAtTheNextPause)
@@ -43,9 +33,8 @@ TEST_F(WaitForRegisterStopTest, AStopPostedToTheEventLoopEndsTheWaitAtTheNextPau
     QTimer::singleShot(0, [this] { vars.Stop = StopCause::Signal; });
 
     EXPECT_EQ(WaitForRegister(link, op, clock), 44);
-    EXPECT_EQ(tries, 1) << "asked again after the stop";
-    ASSERT_FALSE(op.waitEvents.isEmpty());
-    EXPECT_EQ(op.waitEvents.last().kind, ScriptedOperator::WaitEvent::Close);
+    EXPECT_EQ(tries(), 1) << "asked again after the stop";
+    EXPECT_EQ(windowEvents(), QStringList({"open Status [44]", "close"}));
 }
 
 TEST_F(WaitForRegisterStopTest, TheWaitLimitEndsItOnTheClockAndACardPaymentIsWaitedOut)
@@ -54,13 +43,12 @@ TEST_F(WaitForRegisterStopTest, TheWaitLimitEndsItOnTheClockAndACardPaymentIsWai
     EXPECT_EQ(WaitForRegister(link, op, clock), 44);
     EXPECT_EQ(vars.Stop, StopCause::WaitLimit);
     EXPECT_GE(clock.monotonicMs(), vars.WaitLimitMs);
-    EXPECT_LT(tries, kTriesBeforeClearing);
+    EXPECT_LT(tries(), kTriesBeforeClearing);
 
     // While a card payment runs nothing gives the wait up.
-    tries = 0;
     vars.EftBusy = true;
     EXPECT_EQ(WaitForRegister(link, op, clock), 0);
-    EXPECT_EQ(tries, kTriesBeforeClearing);
+    EXPECT_EQ(tries(), kTriesBeforeClearing);
 }
 
 } // namespace

@@ -57,12 +57,9 @@ TEST(TextConversions, AccentedGreekLettersLoseTheirAccentsOthersStay)
 
 TEST(TextConversions, TableNumberIsCutToAWholeNumberOrMinusOne)
 {
-    EXPECT_EQ(TableNumberOfText(QStringLiteral(" 12 ")), 12);
-    EXPECT_EQ(TableNumberOfText(QStringLiteral("7.9")), 7);
-    EXPECT_EQ(TableNumberOfText(QStringLiteral("-3")), -3);
-    EXPECT_EQ(TableNumberOfText(QStringLiteral("")), -1);
-    EXPECT_EQ(TableNumberOfText(QStringLiteral("1a")), -1);
-    EXPECT_EQ(TableNumberOfText(QStringLiteral("40000")), -1);
+    for (const auto& [text, number] : std::initializer_list<std::pair<const char*, int>>{
+             {" 12 ", 12}, {"7.9", 7}, {"-3", -3}, {"", -1}, {"1a", -1}, {"40000", -1}})
+        EXPECT_EQ(TableNumberOfText(QString::fromLatin1(text)), number) << text;
 }
 
 TEST(TextConversions, DosTextIsDecodedWhenSwitchedOnOrMarkedWithD)

@@ -1,6 +1,7 @@
 // The card terminals behind the virtual register: what the fault script
 // makes them answer, the outcome query, the batch and the tape.
 
+#include "DataFile.h"
 #include "FaultScript.h"
 #include "PrintQString.h"
 #include "SimTestSupport.h"
@@ -11,18 +12,12 @@
 namespace {
 
 // Every text a terminal reports when it took no money.
-const QStringList kRefusalTexts = {
-    "TRANSACTION WAS DECLINED",   "DECLINED BY THE TERMINAL",   "DECLINED BY THE HOST",
-    "COMMUNICATION PROBLEM",      "BANK'S HOST UNREACHABLE",    "TRANSACTION FAILED - POS ERROR",
-    "PROTOCOL NOT SUPPORTED",     "DUPLICATE REQUEST RECEIVED", "SYNTAX ERROR IN REQUEST",
-    "INVALID CURRENCY",           "INTERNAL POS ERROR",         "INVALID COMMAND",
-    "WRONG PARAMETER",            "POS IS BUSY",                "ECR-POS DISCONNECTION",
-    "USER CANCELLATION OR TIMEOUT", "ECR INACTIVE EFTPOS",      "RECEIVE:WRONG CMD RECEIVED",
-    "SEND:ENCRYPTION ERROR",      "MAC ERROR",                  "SEND:TIMEOUT WHILE SEND DATA TO POS",
-    "CONNECTION CLOSED-ABORTED BY POS",
-};
-
-QString batchCommand(int terminal) { return QStringLiteral("\\/15/%1").arg(terminal) + QString(17, QLatin1Char('/')); }
+const QStringList kRefusalTexts = [] {
+    QStringList texts;
+    for (const QString& row : DataLines("terminal-texts.txt"))
+        texts << row.section(u'\t', 0, 0);
+    return texts;
+}();
 
 TEST(TerminalScriptTest, TerminalLinesBecomeRulesInTheirOrder)
 {
@@ -40,30 +35,24 @@ TEST(TerminalScriptTest, TerminalLinesBecomeRulesInTheirOrder)
                         "card TRANSACTION OK\n",
                         &error))
         << qPrintable(error);
-    const std::vector<TerminalRule>& r = f.terminalRules();
-    ASSERT_EQ(r.size(), 10u);
-    EXPECT_EQ(r[0].kind, TerminalRule::Online);
-    EXPECT_EQ(r[0].terminal, 3);
-    EXPECT_EQ(r[1].remaining, 2);
-    EXPECT_FALSE(r[1].outcome.approved);
-    EXPECT_EQ(r[1].outcome.text, "POS IS BUSY");
-    EXPECT_EQ(r[2].remaining, -1);
-    EXPECT_EQ(r[2].outcome.waitSeconds, 40);
-    EXPECT_TRUE(r[2].outcome.approved);
-    EXPECT_EQ(r[2].outcome.text, "APPROVED 0042");
-    EXPECT_EQ(r[3].terminal, 0);
-    EXPECT_EQ(r[3].remaining, 1);
-    EXPECT_EQ(r[3].outcome.text, "RECEIVE:WRONG CMD RECEIVED"); // the colon in the text stays
-    EXPECT_FALSE(r[3].outcome.approved);
-    EXPECT_EQ(r[4].outcome.text, "SEND:TIMEOUT WHILE SEND DATA TO POS");
-    EXPECT_EQ(r[5].outcome.waitSeconds, 12);
-    EXPECT_EQ(r[5].outcome.text, "APPROVED");
-    EXPECT_TRUE(r[6].outcome.text.isEmpty());
-    EXPECT_EQ(r[7].kind, TerminalRule::Offline);
+    // kind, terminal (0: any), payments it answers (-1: every one), money taken, wait, text
+    QStringList rules;
+    for (const TerminalRule& r : f.terminalRules())
+        rules << QStringLiteral("%1 %2 x%3 %4 %5s %6")
+                     .arg(QStringList{"answer", "online", "offline"}.value(r.kind))
+                     .arg(r.terminal)
+                     .arg(r.remaining)
+                     .arg(r.outcome.approved ? "approve" : "decline")
+                     .arg(r.outcome.waitSeconds)
+                     .arg(r.outcome.text);
     // "card" lines: the terminal's own vocabulary says whether money was taken
-    EXPECT_EQ(r[8].terminal, 0);
-    EXPECT_FALSE(r[8].outcome.approved);
-    EXPECT_TRUE(r[9].outcome.approved);
+    EXPECT_EQ(rules, QStringList({"online 3 x1 approve 0s APPROVED", "answer 1 x2 decline 0s POS IS BUSY",
+                                  "answer 2 x-1 approve 40s APPROVED 0042",
+                                  "answer 0 x1 decline 0s RECEIVE:WRONG CMD RECEIVED",
+                                  "answer 4 x1 decline 0s SEND:TIMEOUT WHILE SEND DATA TO POS",
+                                  "answer 5 x1 approve 12s APPROVED", "answer 6 x1 approve 0s ",
+                                  "offline 1 x1 approve 0s APPROVED", "answer 0 x1 decline 0s DECLINED BY THE HOST",
+                                  "answer 0 x1 approve 0s TRANSACTION OK"}));
 
     for (const char* bad : {"terminal 13: busy", "terminal 0: busy", "terminal 1: explode", "terminal 1 x0: busy",
                             "terminal 1 twice: busy", "terminal 1: decline", "terminal 1: busy now",
@@ -77,6 +66,7 @@ TEST(TerminalScriptTest, TerminalLinesBecomeRulesInTheirOrder)
 
 TEST(TerminalScriptTest, TheTerminalsVocabularyKnowsEveryRefusalExactly)
 {
+    ASSERT_EQ(kRefusalTexts.size(), 22);
     for (const QString& text : kRefusalTexts)
         EXPECT_FALSE(TerminalOutcome::ofText(text).approved) << qPrintable(text);
     EXPECT_FALSE(TerminalOutcome::ofText("SEND:TIMEOUT WHILE SEND DATA TO POS (30s)").approved);
@@ -86,14 +76,6 @@ TEST(TerminalScriptTest, TheTerminalsVocabularyKnowsEveryRefusalExactly)
 
 class Terminals : public ModelTest {
 protected:
-    void script(const QString& text)
-    {
-        FaultScript f;
-        QString error;
-        ASSERT_TRUE(f.parse(text, &error)) << qPrintable(error);
-        for (const TerminalRule& r : f.terminalRules())
-            model.scriptTerminal(r);
-    }
     // What the driver classifies: the last field but one of the outcome query.
     QString lastTerminalText()
     {
@@ -128,47 +110,12 @@ TEST_F(Terminals, EveryRefusalTextIsTheQuerysLastTextAndTakesNoMoney)
 
 TEST_F(Terminals, RulesAnswerTheirTerminalInScriptOrderThenTheTerminalApproves)
 {
-    script("terminal 3: online\n"
-           "terminal 1 x2: busy\n"
-           "terminal 3: nocontact\n"
-           "terminal *: decline DECLINED BY THE HOST\n");
-    EXPECT_EQ(send(",/11/3/"), "00/00/00/1/0.0.0.0/0/EFT POS 3/");
-    send("3/S/ΨΩΜΙ//1.000/10.00/1/24.00/");
-    const QStringList expected = {"SEND:TIMEOUT WHILE SEND DATA TO POS", "POS IS BUSY", "POS IS BUSY",
-                                  "DECLINED BY THE HOST", "APPROVED"};
-    const int terminals[] = {3, 1, 1, 3, 1};
-    for (int i = 0; i < expected.size(); ++i) {
-        send(QStringLiteral("5/2/10.00/ΚΑΡΤΑ///%1/1/").arg(terminals[i]));
-        EXPECT_EQ(lastTerminalText(), expected[i]) << "attempt " << i + 1;
-    }
-    EXPECT_EQ(fields("9/").value(3), "0"); // the approval closed the receipt
-
-    // a terminal taken off the line
-    script("terminal 1: offline\n");
-    EXPECT_EQ(send(",/11/1/").section('/', 3, 3), "0");
-    send("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/");
-    EXPECT_EQ(send("5/2/1.00/ΚΑΡΤΑ///1/1/"), "BC/00/10/");
-    EXPECT_EQ(send("5/2/1.00/ΚΑΡΤΑ///13/1/"), "05/00/10/");
+    play("terminal-rules.txt");
 }
 
 TEST_F(Terminals, TableCardPaymentStaysInClosingUntilTheCardTakesIt)
 {
-    script("terminal 1: decline DECLINED BY THE TERMINAL\n"
-           "terminal 1: nocontact\n");
-    send("&/0/5//////////////");
-    send("3/S/ΜΟΥΣΑΚΑΣ//1.000/9.00/1/13.00/");
-    send("5/1/0.00////");
-    EXPECT_EQ(send("&/1/5//0////////0.00/////"), "00/00/10/");
-    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "C9/00/10/");
-    EXPECT_EQ(lastTerminalText(), "DECLINED BY THE TERMINAL");
-    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "C9/00/10/");
-    EXPECT_EQ(lastTerminalText(), "SEND:TIMEOUT WHILE SEND DATA TO POS");
-    // what the driver sends when the terminal could not be reached
-    EXPECT_EQ(send(")/33/"), "00/00/10/");
-    EXPECT_EQ(send(")/100/"), "00/00/10/");
-    EXPECT_EQ(send("&/3/5//0/2///////0.00///1/1/"), "00/00/00/");
-    EXPECT_EQ(lastTerminalText(), "APPROVED");
-    EXPECT_EQ(send("&/11/5//0/0///////////"), "00/00/00/0/");
+    play("terminal-table-payment.txt");
 }
 
 TEST(SlowTerminalTest, TheCardPaymentIsAnsweredAfterTheTerminalsSecondsOnTheSimClock)
@@ -192,38 +139,15 @@ TEST(SlowTerminalTest, TheCardPaymentIsAnsweredAfterTheTerminalsSecondsOnTheSimC
     EXPECT_TRUE(t.waitForData(0));
 }
 
-TEST(TerminalBatchTest, BatchReportsThePackageSinceTheLastOneAndSurvivesARestart)
-{
-    QTemporaryDir dir;
-    VirtualClock clock;
-    const QString tapePath = dir.filePath("tape.txt");
-    const auto send = sendTo;
-    {
-        SimRegister reg({dir.path(), {}, tapePath, {}, {}}, clock);
-        ASSERT_TRUE(reg.loadFaults("terminal 1 x1: busy\n"));
-        send(reg, "3/S/ΨΩΜΙ//1.000/4.00/1/24.00/");
-        send(reg, "5/2/4.00/ΚΑΡΤΑ///1/1/"); // busy: takes nothing
-        EXPECT_EQ(send(reg, batchCommand(1)), "14/00/10/"); // not with a receipt in hand
-        send(reg, "5/2/4.00/ΚΑΡΤΑ///1/1/");
-        send(reg, "3/S/ΓΑΛΑ//1.000/2.50/1/13.00/");
-        send(reg, "5/2/2.50/ΚΑΡΤΑ///1/1/");
-    }
-    SimRegister reg({dir.path(), {}, tapePath, {}, {}}, clock);
-    // a refused batch, as the guide writes it, leaves the package alone
-    ASSERT_TRUE(reg.loadFaults("/^\\\\\\/15\\// x1: code BB\n"));
-    EXPECT_EQ(send(reg, batchCommand(1)), "BB/00/00/");
-    EXPECT_EQ(send(reg, batchCommand(1)), "00/00/00/2/6.50/");
-    EXPECT_EQ(send(reg, batchCommand(1)), "00/00/00/0/0.00/");
-    EXPECT_EQ(send(reg, batchCommand(2)), "BC/00/00/");
-    EXPECT_EQ(send(reg, batchCommand(13)), "05/00/00/");
-    EXPECT_EQ(send(reg, "\\/15/1////"), "01/00/00/");
+using TerminalBatch = DiskRegisterTest;
 
-    QFile f(tapePath);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    const QStringList tape = QString::fromUtf8(f.readAll()).split('\n');
-    EXPECT_EQ(tape.filter(QRegularExpression("^ +ΠΑΚΕΤΟ ΣΥΝΑΛΛΑΓΩΝ EFT #1$")).size(), 2);
-    EXPECT_EQ(tape.filter(QRegularExpression("^ΣΥΝΑΛΛΑΓΕΣ +2$")).size(), 1);
-    EXPECT_EQ(tape.filter(QRegularExpression("^ΣΥΝΟΛΟ +6\\.50$")).size(), 1);
+TEST_F(TerminalBatch, BatchReportsThePackageSinceTheLastOneAndSurvivesARestart)
+{
+    play("terminal-batch.txt");
+    const QStringList paper = tape().split('\n');
+    EXPECT_EQ(paper.filter(QRegularExpression("^ +ΠΑΚΕΤΟ ΣΥΝΑΛΛΑΓΩΝ EFT #1$")).size(), 2);
+    EXPECT_EQ(paper.filter(QRegularExpression("^ΣΥΝΑΛΛΑΓΕΣ +2$")).size(), 1);
+    EXPECT_EQ(paper.filter(QRegularExpression("^ΣΥΝΟΛΟ +6\\.50$")).size(), 1);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 // tape, and the whole register with its memory on disk.
 
 #include "EcrModel.h"
+#include "FaultScript.h"
 #include "SimRegister.h"
 #include "shell/Clock.h"
 #include "shell/CodePage.h"
@@ -12,6 +13,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
 
@@ -22,25 +24,24 @@ inline QString sendTo(SimRegister& reg, const QString& command)
 }
 
 // Plays a conversation of tests/data/sim/: each line a command, a tab and the
-// reply it must get word for word (no tab: the reply is not looked at);
-// "restart" switches the register off and on; "#" starts a comment.
+// reply it must get word for word (no tab: the reply is not looked at); "#"
+// starts a comment. A line the world takes as its own (directive returns true:
+// "restart", "at <ISO date-time>", a fault-script line) is not sent. With
+// KERBANO_REGOLD set every exchange is also printed as a golden line.
 inline void replay(const QString& name, const std::function<QString(const QString&)>& send,
-                   const std::function<void()>& restart = {})
+                   const std::function<bool(const QString&)>& directive)
 {
     QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/sim/") + name);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
     int number = 0;
     for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
         ++number;
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#')) || directive(line))
             continue;
-        if (line == QLatin1String("restart")) {
-            ASSERT_TRUE(restart) << qPrintable(name) << ":" << number;
-            restart();
-            continue;
-        }
         const qsizetype tab = line.indexOf(QLatin1Char('\t'));
         const QString reply = send(line.left(tab));
+        if (qEnvironmentVariableIsSet("KERBANO_REGOLD"))
+            fprintf(stderr, "%s\t%s\n", qPrintable(line.left(tab)), qPrintable(reply));
         if (tab >= 0) {
             EXPECT_EQ(reply, line.mid(tab + 1)) << qPrintable(name) << ":" << number << " " << qPrintable(line.left(tab));
         }
@@ -62,13 +63,32 @@ protected:
         return o.reply.text();
     }
     QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
+    // "at" sets the time; "terminal" and "card" lines script the card terminals.
     void play(const QString& name)
     {
-        replay(name, [this](const QString& command) { return send(command); });
+        replay(name, [this](const QString& command) { return send(command); },
+               [this](const QString& line) {
+                   if (line.startsWith(QLatin1String("at ")))
+                       now = QDateTime::fromString(line.mid(3), Qt::ISODate);
+                   else if (line.startsWith(QLatin1String("terminal ")) || line.startsWith(QLatin1String("card ")))
+                       script(line);
+                   else
+                       return false;
+                   return true;
+               });
+    }
+    void script(const QString& text)
+    {
+        FaultScript f;
+        QString error;
+        ASSERT_TRUE(f.parse(text, &error)) << qPrintable(error);
+        for (const TerminalRule& r : f.terminalRules())
+            model.scriptTerminal(r);
     }
 };
 
-// The whole register with its memory and tape in a temporary directory.
+// The whole register with its memory and tape in a temporary directory; a
+// "fault" line of a conversation loads a line of fault script.
 class DiskRegisterTest : public ::testing::Test {
 protected:
     QTemporaryDir dir;
@@ -91,7 +111,16 @@ protected:
     QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
     void play(const QString& name)
     {
-        replay(name, [this](const QString& command) { return send(command); }, [this] { restart(); });
+        replay(name, [this](const QString& command) { return send(command); },
+               [this](const QString& line) {
+                   if (line == QLatin1String("restart"))
+                       restart();
+                   else if (line.startsWith(QLatin1String("fault ")))
+                       EXPECT_TRUE(reg->loadFaults(line.mid(6))) << qPrintable(line);
+                   else
+                       return false;
+                   return true;
+               });
     }
     QString tape() const
     {

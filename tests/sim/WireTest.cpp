@@ -8,17 +8,9 @@
 #include "shell/CodePage.h"
 
 #include <QFile>
-#include <QProcess>
-#include <QTcpSocket>
 #include <QTemporaryDir>
-#include <QThread>
 #include <gtest/gtest.h>
 
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
-#endif
 
 namespace {
 
@@ -232,70 +224,5 @@ TEST(StateTest, MemorySurvivesARestartAndAnOpenReceiptStaysOpen)
     SimRegister after({dir.path(), {}, {}, {}, {}}, clock);
     EXPECT_EQ(after.memory().tables[12].items.size(), 1);
 }
-
-// The real executable, on a real socket and a real pseudo-terminal.
-class RealWires : public ::testing::Test {
-protected:
-    QTemporaryDir dir;
-    QProcess sim;
-
-    void start(const QStringList& args)
-    {
-        sim.setProgram(QStringLiteral(KERBANO_BIN_DIR "/kerbano-ecr-sim"));
-        sim.setArguments(args + QStringList{"--journal", dir.filePath("journal.txt"), "--tape", dir.filePath("tape.txt")});
-        sim.setProcessChannelMode(QProcess::MergedChannels);
-        sim.start();
-        ASSERT_TRUE(sim.waitForStarted());
-        ASSERT_TRUE(sim.waitForReadyRead(5000)); // "ready"
-    }
-    void TearDown() override
-    {
-        sim.kill();
-        sim.waitForFinished();
-    }
-};
-
-TEST_F(RealWires, TcpExchangeAndJournal)
-{
-    const quint16 port = 20000 + static_cast<quint16>(::getpid() % 20000);
-    start({"--tcp", QStringLiteral("127.0.0.1:%1").arg(port)});
-    QTcpSocket s;
-    s.connectToHost(QStringLiteral("127.0.0.1"), port);
-    ASSERT_TRUE(s.waitForConnected(3000));
-    s.write("a/");
-    ASSERT_TRUE(s.waitForReadyRead(3000));
-    EXPECT_EQ(s.readAll(), QByteArray("00/00/00/00012345/1/DNT/"));
-    QFile j(dir.filePath("journal.txt"));
-    ASSERT_TRUE(j.open(QIODevice::ReadOnly));
-    EXPECT_EQ(j.readAll(), QByteArray("a/ -> 00/00/00/00012345/1/DNT/\n"));
-}
-
-#ifdef Q_OS_UNIX // the register's pty
-TEST_F(RealWires, PtyExchange)
-{
-    const QString link = dir.filePath("ecr");
-    start({"--pty", link, "--baud", "9600"});
-    const int fd = ::open(QFile::encodeName(link).constData(), O_RDWR | O_NOCTTY);
-    ASSERT_GE(fd, 0);
-    auto readUntil = [&](char last) {
-        QByteArray got;
-        pollfd p{fd, POLLIN, 0};
-        while ((got.isEmpty() || got.back() != last) && ::poll(&p, 1, 3000) > 0) {
-            char buf[256];
-            const ssize_t n = ::read(fd, buf, sizeof buf);
-            if (n <= 0)
-                break;
-            got.append(buf, static_cast<int>(n));
-        }
-        return got;
-    };
-    ASSERT_EQ(::write(fd, "\x05", 1), 1);
-    EXPECT_EQ(readUntil('\x06'), QByteArray("\x06"));
-    const QByteArray f = frame("?/");
-    ASSERT_EQ(::write(fd, f.constData(), f.size()), f.size());
-    EXPECT_EQ(readUntil('\x03'), QByteArray("\x02" "00/00/00/" "\x03"));
-    ::close(fd);
-}
-#endif
 
 } // namespace
