@@ -103,15 +103,9 @@ TEST_F(ParamWindowTest, SavedSettingsWriteTheThirtyEightLineFileTheRatesAndMailI
     // Opened again, the form shows what it wrote.
     auto again = open(StartOnlySettings{true, false, u"z@shop.gr"_s, 1});
     const ParamFormValues v = again->values();
-    EXPECT_EQ(v.comtxt, "192.168.1.20:9101");
-    EXPECT_EQ(v.filetxt, "print");
-    EXPECT_TRUE(v.multi_print);
-    EXPECT_TRUE(v.print_code_ascii);
-    EXPECT_FALSE(v.print_code_numeric);
-    EXPECT_EQ(v.currency, 2);
-    EXPECT_TRUE(v.ChkAuto);
-    EXPECT_TRUE(v.chkspRet);
-    EXPECT_EQ(v.txtemail, "z@shop.gr");
+    EXPECT_EQ(std::tuple(v.comtxt, v.filetxt, v.txtemail, v.currency, v.multi_print, v.print_code_ascii,
+                         v.print_code_numeric, v.ChkAuto, v.chkspRet),
+              std::tuple(u"192.168.1.20:9101"_s, u"print"_s, u"z@shop.gr"_s, 2, true, true, false, true, true));
     EXPECT_EQ(again->vatBoxes().at(1), VatBoxText(13.0));
     EXPECT_EQ(again->mailValues(), mail);
 }
