@@ -3,6 +3,7 @@
 // thread answered on the GUI thread while it keeps running.
 #include "../link/FakeTransport.h"
 #include "PrintQString.h"
+#include "WindowTestSupport.h"
 #include "link/DevicePort.h"
 #include "link/DeviceSession.h"
 #include "shell/CommunicationLog.h"
@@ -170,25 +171,19 @@ TEST(GuiOperatorThreads, TheEngineThreadsQuestionIsAnsweredOnTheGuiThreadWhichKe
 
     Operator::Answer got = Operator::Answer::Ok;
     Qt::HANDLE askedFrom = nullptr;
-    std::unique_ptr<QThread> engine(QThread::create([&] {
+    ASSERT_TRUE(runOnEngine(gui, [&] {
         askedFrom = QThread::currentThreadId();
         got = gui.message(u"TEC 12345"_s, u"Λάθος : 7"_s, Operator::Icon::Critical, Operator::Buttons::YesNo);
     }));
-    engine->start();
-    while (!engine->isFinished())
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-    engine->wait();
     EXPECT_EQ(got, Operator::Answer::No);
     EXPECT_NE(askedFrom, QThread::currentThreadId());
     EXPECT_GE(guiTicks, 5);
 
     // At the end a question is answered at once, and a wait counts as closed.
     gui.release();
-    std::unique_ptr<QThread> late(QThread::create([&] {
+    ASSERT_TRUE(runOnEngine(gui, [&] {
         got = gui.message(u"TEC 12345"_s, u"x"_s, Operator::Icon::Critical, Operator::Buttons::YesNo);
     }));
-    late->start();
-    late->wait();
     EXPECT_EQ(got, Operator::Answer::Cancel);
     EXPECT_TRUE(gui.waitWindowClosedByOperator());
 }
