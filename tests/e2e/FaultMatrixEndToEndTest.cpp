@@ -3,15 +3,9 @@
 // equals the print file, or the result file says truthfully that it does not;
 // never a receipt twice, never one left open.
 
-#include "KerbanoRun.h"
-#include "PrintQString.h"
-#include "SimProcess.h"
+#include "SimWorld.h"
 #include "TapeTally.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 #include <iostream>
 
 namespace {
@@ -20,8 +14,6 @@ namespace {
 constexpr int kSaleCommand = 7;
 constexpr int kPaymentCommand = 12;
 constexpr int kRunMs = 150000;
-constexpr int kSerialBaud = 115200;
-const QString kFlags = QStringLiteral("0,TECFP,1110111");
 const QString kAsPrinted = QStringLiteral("6.50");
 
 struct FaultCase {
@@ -36,35 +28,19 @@ std::string caseName(const ::testing::TestParamInfo<FaultCase>& info)
     return std::string(info.param.name) + (info.param.onPayment ? "OnPayment" : "OnSale");
 }
 
-class FaultMatrix : public ::testing::TestWithParam<FaultCase> {
-protected:
-    QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
-    QTemporaryDir dir;
-};
+class FaultMatrix : public SimWorld, public ::testing::WithParamInterface<FaultCase> {};
 
 TEST_P(FaultMatrix, TheReceiptEqualsThePrintFileOrTheResultSaysItDoesNot)
 {
-    ASSERT_TRUE(dir.isValid());
     const FaultCase fault = GetParam();
-    const int command = fault.onPayment ? kPaymentCommand : kSaleCommand;
-    QFile faults(path(QStringLiteral("faults.txt")));
-    ASSERT_TRUE(faults.open(QIODevice::WriteOnly));
-    faults.write(QByteArray::number(command) + ": " + fault.action + "\n");
-    faults.close();
-
-    SimProcess sim(dir.path());
-    sim.setExtraArguments({QStringLiteral("--faults"), faults.fileName()});
-    ASSERT_TRUE(fault.serial ? sim.startPty(kSerialBaud) : sim.startTcp()) << sim.startError().toStdString();
-    ASSERT_TRUE(QFile::copy(QStringLiteral(KERBANO_SOURCE_DIR "/samples/receipt.txt"),
-                            path(QStringLiteral("print.txt"))));
-    const KerbanoRun run = runKerbanoHeadless(
-        dir.path(),
-        QStringLiteral("%1,%2,print.txt,%3").arg(sim.portField()).arg(fault.serial ? kSerialBaud : 9600).arg(kFlags),
-        kRunMs);
+    const QString commandLine =
+        workedReceiptBehindFault(fault.onPayment ? kPaymentCommand : kSaleCommand, fault.action, fault.serial);
+    ASSERT_FALSE(commandLine.isEmpty()) << sim.startError().toStdString();
+    const KerbanoRun run = runKerbanoHeadless(dir.path(), commandLine, kRunMs);
     ASSERT_TRUE(run.finished);
 
     const TapeTally tally = TapeTally::of(sim.tapePath());
-    const QStringList result = resultLines(path(QStringLiteral("result.txt")));
+    const QStringList result = ::resultLines(path(u"result.txt"_s));
     EXPECT_LE(tally.issued, 1) << "receipts issued";
     EXPECT_EQ(tally.open(), 0) << "receipts left open";
     ASSERT_FALSE(result.isEmpty());

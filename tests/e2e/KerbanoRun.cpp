@@ -14,6 +14,8 @@ KerbanoProcess::KerbanoProcess(const QString& workDir, const QStringList& argume
     // Its own home too, so that runs side by side share no log or order store.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
+    if (options.windowLife)
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     process_.setProcessEnvironment(environment);
     if (options.inChild)
         process_.setChildProcessModifier(options.inChild);

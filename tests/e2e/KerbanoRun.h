@@ -29,6 +29,12 @@ public:
     // True when it ended in time.
     bool waitEnd(int timeoutMs = kEventMs);
     void signal(int number);
+    // Signals it and waits: true when it then ended in time with status 0.
+    bool endsCleanlyOn(int number)
+    {
+        signal(number);
+        return waitEnd() && exitCode() == 0;
+    }
     bool running() const { return process_.state() == QProcess::Running; }
     // The exit code, or -1 for a death by signal.
     int exitCode() const;

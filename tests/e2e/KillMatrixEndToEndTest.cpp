@@ -3,17 +3,8 @@
 // again on the same print file, over TCP and a serial line: one receipt
 // issued, none left open, and a result file that ends as a printed one.
 
-#include "KerbanoRun.h"
-#include "PrintQString.h"
-#include "SimProcess.h"
+#include "SimWorld.h"
 #include "TapeTally.h"
-
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QProcessEnvironment>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
 // The link's opening (6 commands) and the job (11), as the worked receipt's
@@ -21,8 +12,6 @@ namespace {
 constexpr int kCommandsOfACleanRun = 17;
 constexpr int kKillWithinMs = 20000;
 constexpr int kSecondRunMs = 60000;
-constexpr int kSerialBaud = 115200;
-const QString kFlags = QStringLiteral("0,TECFP,1110111");
 
 struct KillAt {
     bool serial;
@@ -35,42 +24,19 @@ std::string caseName(const ::testing::TestParamInfo<KillAt>& info)
            + std::to_string(info.param.command);
 }
 
-class KillMatrix : public ::testing::TestWithParam<KillAt> {
-protected:
-    QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
-    QTemporaryDir dir;
-};
+class KillMatrix : public SimWorld, public ::testing::WithParamInterface<KillAt> {};
 
 TEST_P(KillMatrix, KilledThenRunAgainIssuesOneReceiptAndLeavesNoneOpen)
 {
-    ASSERT_TRUE(dir.isValid());
     const KillAt at = GetParam();
-    QFile faults(path(QStringLiteral("faults.txt")));
-    ASSERT_TRUE(faults.open(QIODevice::WriteOnly));
-    faults.write(QByteArray::number(at.command) + ": lost\n");
-    faults.close();
-
-    SimProcess sim(dir.path());
     sim.keepMemory();
-    sim.setExtraArguments({QStringLiteral("--faults"), faults.fileName()});
-    ASSERT_TRUE(at.serial ? sim.startPty(kSerialBaud) : sim.startTcp()) << sim.startError().toStdString();
-    ASSERT_TRUE(QFile::copy(QStringLiteral(KERBANO_SOURCE_DIR "/samples/receipt.txt"),
-                            path(QStringLiteral("print.txt"))));
-    const QString commandLine =
-        QStringLiteral("%1,%2,print.txt,%3").arg(sim.portField()).arg(at.serial ? kSerialBaud : 9600).arg(kFlags);
+    const QString commandLine = workedReceiptBehindFault(at.command, "lost", at.serial);
+    ASSERT_FALSE(commandLine.isEmpty()) << sim.startError().toStdString();
 
     {
-        QProcess first;
-        first.setWorkingDirectory(dir.path());
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("KERBANO_HOME"), dir.path());
-        first.setProcessEnvironment(environment);
-        first.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), {QStringLiteral("--headless"), commandLine});
-        ASSERT_TRUE(first.waitForStarted());
-        const bool reached = sim.waitForCommands(at.command, kKillWithinMs);
-        first.kill();
-        first.waitForFinished();
-        ASSERT_TRUE(reached) << "the register never got command " << at.command;
+        const KerbanoProcess first(dir.path(), {commandLine}); // killed as it goes
+        ASSERT_TRUE(first.started());
+        ASSERT_TRUE(sim.waitForCommands(at.command, kKillWithinMs)) << "the register never got command " << at.command;
     }
 
     const KerbanoRun second = runKerbanoHeadless(dir.path(), commandLine, kSecondRunMs);
@@ -83,7 +49,7 @@ TEST_P(KillMatrix, KilledThenRunAgainIssuesOneReceiptAndLeavesNoneOpen)
     EXPECT_EQ(tally.open(), 0) << "receipts left open";
     EXPECT_EQ(tally.issuedTotals, QStringList{QStringLiteral("6.50")});
 
-    const QStringList result = resultLines(path(QStringLiteral("result.txt")));
+    const QStringList result = ::resultLines(path(u"result.txt"_s));
     ASSERT_FALSE(result.isEmpty());
     EXPECT_EQ(result.last(), QStringLiteral("exitcode = 0"));
     EXPECT_EQ(result.filter(QStringLiteral("exitcode = ")).size(), 1) << result.join(u'\n').toStdString();

@@ -14,17 +14,6 @@
 namespace {
 constexpr int kEventMs = KerbanoProcess::kEventMs;
 
-// A print file of count items, each one line.
-QByteArray itemsPrintFile(int count)
-{
-    QByteArray file = "resFile:  result.txt\r\ntag:  SIG\r\n";
-    for (int i = 0; i < count; ++i)
-        file += codepage::toWin1253(
-            u" PLU 5200000000011 ΝΕΡΟ 500ML                        1       0.50   13.00  2\r\n"_s);
-    file += codepage::toWin1253(u" tot   1       0.00ΜΕΤΡΗΤΑ\r\n"_s);
-    return file;
-}
-
 class ServiceLifeEndToEnd : public SimWorld {
 protected:
     // Whether a payment went out once the items had begun (the opening
@@ -39,13 +28,6 @@ protected:
                 return true;
         }
         return false;
-    }
-    int journalCount(const QString& prefix) const
-    {
-        int n = 0;
-        for (const QString& command : sim.journalCommands())
-            n += command.startsWith(prefix);
-        return n;
     }
 };
 
@@ -113,14 +95,11 @@ TEST_F(ServiceLifeEndToEnd, SigtermAtAWaitEndsItWithoutSendingAgainAndClosesTheR
     ASSERT_TRUE(kerbano.waitFor(u"warning: [Μήνυμα Ταμειακής ("_s)) << kerbano.said().toStdString();
     ASSERT_TRUE(kerbano.waitFor(u"Status [44]"_s));
     QThread::msleep(2500); // a poll and a resend or two
-    kerbano.signal(SIGTERM);
+    ASSERT_TRUE(kerbano.endsCleanlyOn(SIGTERM)) << kerbano.said().toStdString();
 
-    ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
-    EXPECT_EQ(kerbano.exitCode(), 0) << kerbano.said().toStdString();
     const QStringList lines = resultLines();
     ASSERT_GE(lines.size(), 4) << lines.join('|').toStdString();
-    EXPECT_EQ(lines[lines.size() - 3], u"stopped = signal"_s);
-    EXPECT_EQ(lines[lines.size() - 2], u"exitcode = 0"_s);
+    EXPECT_EQ(lines.mid(lines.size() - 3, 2), (QStringList{u"stopped = signal"_s, u"exitcode = 0"_s}));
     EXPECT_TRUE(lines[2].startsWith(u"Err = 44, [3/S/"_s)) << lines.join('|').toStdString();
     // Each item sent had its window; none went out after the last one.
     EXPECT_EQ(journalCount(u"3/S/"_s), int(kerbano.err().count(u"[Μήνυμα Ταμειακής ("_s)));
@@ -138,8 +117,7 @@ TEST_F(ServiceLifeEndToEnd, TheWaitLimitStopsTheJobAndTheExitStatusSaysSo)
     EXPECT_EQ(kerbano.exitCode(), 3) << kerbano.said().toStdString();
     const QStringList lines = resultLines();
     ASSERT_GE(lines.size(), 4);
-    EXPECT_EQ(lines[lines.size() - 3], u"stopped = wait limit"_s);
-    EXPECT_EQ(lines[lines.size() - 2], u"exitcode = 0"_s);
+    EXPECT_EQ(lines.mid(lines.size() - 3, 2), (QStringList{u"stopped = wait limit"_s, u"exitcode = 0"_s}));
     EXPECT_GT(journalCount(u"3/S/"_s), 1) << "sent again while within the limit";
     EXPECT_FALSE(paidAfterTheItems()) << "the job stopped before its payment";
     EXPECT_TRUE(kerbano.err().contains(u"error: Η ταμειακή έμεινε απασχολημένη"_s));
@@ -164,18 +142,15 @@ TEST_F(ServiceLifeEndToEnd, SigintMidJobStopsAtALineBoundaryWithEveryExchangeWho
     ASSERT_TRUE(kerbano.started());
     ASSERT_TRUE(kerbano.waitFor(u"Εκτύπωση Ενεργή"_s));
     QThread::msleep(1000);
-    kerbano.signal(SIGINT);
+    ASSERT_TRUE(kerbano.endsCleanlyOn(SIGINT)) << kerbano.said().toStdString();
 
-    ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
-    EXPECT_EQ(kerbano.exitCode(), 0) << kerbano.said().toStdString();
     const int items = journalCount(u"3/S/"_s);
     EXPECT_GT(items, 0);
     EXPECT_LT(items, 60);
     EXPECT_FALSE(paidAfterTheItems());
     const QStringList lines = resultLines();
     ASSERT_GE(lines.size(), 3);
-    EXPECT_EQ(lines[lines.size() - 3], u"stopped = signal"_s);
-    EXPECT_EQ(lines[lines.size() - 2], u"exitcode = 0"_s);
+    EXPECT_EQ(lines.mid(lines.size() - 3, 2), (QStringList{u"stopped = signal"_s, u"exitcode = 0"_s}));
 
     // --log: the exchanges in kerbanoLog.txt, each send with its reply.
     const QString log = codepage::fromWin1253(readBytes(path(u"kerbanoLog.txt"_s)));
@@ -189,11 +164,7 @@ TEST_F(ServiceLifeEndToEnd, IdleSurvivesSighupAndEndsOnSigtermASecondInstanceOnT
 {
     startRegister("");
     ASSERT_TRUE(QDir(dir.path()).mkpath(u"in"_s));
-    const QByteArray params = "[port] " + sim.portField().toLatin1()
-        + "\r\n[baud] 9600\r\n[file] print\r\n[location] in\\\r\n[ecrt] TECFP\r\n"
-          "[multi type] true\r\n[print_desc] true\r\n[print_code] falseN\r\n[comments] true\r\n"
-          "[currency]=0\r\n[AutoStar]=yes\r\n";
-    ASSERT_TRUE(writeBytes(path(u"param.ini"_s), params));
+    ASSERT_TRUE(writeBytes(path(u"param.ini"_s), residentParams()));
     KerbanoProcess kerbano(dir.path(), {});
     ASSERT_TRUE(kerbano.started());
     ASSERT_TRUE(kerbano.waitFor(u"Αναμονη Για Στοιχεια"_s)) << kerbano.said().toStdString();
@@ -208,15 +179,10 @@ TEST_F(ServiceLifeEndToEnd, IdleSurvivesSighupAndEndsOnSigtermASecondInstanceOnT
     kerbano.signal(SIGHUP);
     EXPECT_FALSE(kerbano.waitEnd(1500)) << "SIGHUP only reads param.ini again";
     ASSERT_TRUE(writeBytes(path(u"in/print.1"_s), itemsPrintFile(1)));
-    const QDeadlineTimer printed(kEventMs);
-    while (QFile::exists(path(u"in/print.1"_s)) && !printed.hasExpired())
-        kerbano.waitEnd(100);
-    EXPECT_FALSE(QFile::exists(path(u"in/print.1"_s))) << "still polling after SIGHUP";
+    EXPECT_TRUE(printedWithin(path(u"in/print.1"_s), kerbano)) << "still polling after SIGHUP";
 
     const int commandsBefore = int(sim.journalCommands().size());
-    kerbano.signal(SIGTERM);
-    ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
-    EXPECT_EQ(kerbano.exitCode(), 0);
+    ASSERT_TRUE(kerbano.endsCleanlyOn(SIGTERM)) << kerbano.said().toStdString();
     EXPECT_LE(int(sim.journalCommands().size()), commandsBefore + 1) << "no new job after the signal";
 }
 

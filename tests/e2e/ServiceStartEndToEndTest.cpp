@@ -18,14 +18,6 @@
 namespace {
 constexpr int kEventMs = KerbanoProcess::kEventMs;
 
-QByteArray itemsPrintFile(int count, const QByteArray& payment = " tot   1       0.00ΜΕΤΡΗΤΑ")
-{
-    QByteArray file = "resFile:  result.txt\r\ntag:  START\r\n";
-    for (int i = 0; i < count; ++i)
-        file += codepage::toWin1253(
-            QStringLiteral(" PLU 5200000000011 ΝΕΡΟ 500ML                        1       0.50   13.00  2\r\n"));
-    return file + codepage::toWin1253(QString::fromUtf8(payment)) + "\r\n";
-}
 
 // payeft.dat: the application's payment 2 is the register's card payment 2 on terminal 1.
 QByteArray payEftFile()
@@ -45,31 +37,7 @@ void becomeNobody()
         ::_exit(126);
 }
 
-class ServiceStartEndToEnd : public SimWorld {
-protected:
-    // A resident life's param.ini: print files "in/print.N", polling from the start.
-    QByteArray residentParams() const
-    {
-        return "[port] " + sim.portField().toLatin1()
-            + "\r\n[baud] 9600\r\n[file] print\r\n[location] in\\\r\n[ecrt] TECFP\r\n"
-              "[multi type] true\r\n[print_desc] true\r\n[print_code] falseN\r\n[comments] true\r\n"
-              "[currency]=0\r\n[AutoStar]=yes\r\n";
-    }
-    bool printedWithin(const QString& printFile, KerbanoProcess& kerbano)
-    {
-        const QDeadlineTimer deadline(kEventMs);
-        while (QFile::exists(printFile) && !deadline.hasExpired() && kerbano.running())
-            kerbano.waitEnd(100);
-        return !QFile::exists(printFile);
-    }
-    int journalCount(const QString& prefix) const
-    {
-        int n = 0;
-        for (const QString& command : sim.journalCommands())
-            n += command.startsWith(prefix);
-        return n;
-    }
-};
+using ServiceStartEndToEnd = SimWorld;
 
 TEST_F(ServiceStartEndToEnd, WithoutParamIniTheServiceSaysSoStaysUpAndStartsOnceItIsWritten)
 {
@@ -88,9 +56,7 @@ TEST_F(ServiceStartEndToEnd, WithoutParamIniTheServiceSaysSoStaysUpAndStartsOnce
     EXPECT_TRUE(printedWithin(path(QStringLiteral("in/print.1")), kerbano)) << kerbano.said().toStdString();
     EXPECT_TRUE(resultLines().contains(QStringLiteral("exitcode = 0")));
 
-    kerbano.signal(SIGTERM);
-    ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
-    EXPECT_EQ(kerbano.exitCode(), 0);
+    ASSERT_TRUE(kerbano.endsCleanlyOn(SIGTERM)) << kerbano.said().toStdString();
 }
 
 TEST_F(ServiceStartEndToEnd, AReadOnlyWorkingDirectoryIsToldAndEachUnwrittenResultSaidWhileTheLifeGoesOn)
@@ -124,9 +90,7 @@ TEST_F(ServiceStartEndToEnd, AReadOnlyWorkingDirectoryIsToldAndEachUnwrittenResu
     EXPECT_FALSE(QFile::exists(QDir(shop).filePath(QStringLiteral("result.txt"))));
     EXPECT_EQ(journalCount(QStringLiteral("3/S/")), 1) << "printed once, whatever its result file";
 
-    kerbano.signal(SIGTERM);
-    ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
-    EXPECT_EQ(kerbano.exitCode(), 0);
+    ASSERT_TRUE(kerbano.endsCleanlyOn(SIGTERM)) << kerbano.said().toStdString();
     QFile::setPermissions(shop, everyone);
     QFile::setPermissions(dir.path(), everyone);
 }
@@ -141,14 +105,10 @@ TEST_F(ServiceStartEndToEnd, ASignalDuringACardPaymentWaitsForItsOutcomeAndAsksF
     KerbanoProcess kerbano(dir.path(), {QStringLiteral("%1,9600,print.txt,0,TECFP,1110111").arg(sim.portField())});
     ASSERT_TRUE(kerbano.started());
     const QString card = QStringLiteral("5/2/0.50/ΚΑΡΤΑ///1/1/");
-    const QDeadlineTimer sent(kEventMs);
-    while (journalCount(card) == 0 && !sent.hasExpired() && kerbano.running())
-        QThread::msleep(50);
-    ASSERT_EQ(journalCount(card), 1) << kerbano.said().toStdString();
-    kerbano.signal(SIGTERM);
+    ASSERT_TRUE(heardWithin(card, 1, kerbano)) << kerbano.said().toStdString();
+    ASSERT_EQ(journalCount(card), 1);
+    ASSERT_TRUE(kerbano.endsCleanlyOn(SIGTERM)) << kerbano.said().toStdString();
 
-    ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
-    EXPECT_EQ(kerbano.exitCode(), 0) << kerbano.said().toStdString();
     const QStringList commands = sim.journalCommands();
     EXPECT_EQ(commands.count(card), 1);
     EXPECT_GT(commands.lastIndexOf(QStringLiteral("5/99/0/ ///1/1/")), commands.indexOf(card))
@@ -168,19 +128,12 @@ TEST_F(ServiceStartEndToEnd, TheWindowsLifeStopsAJobAtALineOnSigterm)
     KerbanoProcess kerbano(dir.path(), {QStringLiteral("%1,9600,print.txt,0,TECFP,1110111").arg(sim.portField())},
                         {.windowLife = true, .inChild = {}});
     ASSERT_TRUE(kerbano.started());
-    const QDeadlineTimer printing(kEventMs);
-    while (journalCount(QStringLiteral("3/S/")) < 3 && !printing.hasExpired() && kerbano.running())
-        QThread::msleep(50);
-    ASSERT_GE(journalCount(QStringLiteral("3/S/")), 3) << kerbano.said().toStdString();
-    kerbano.signal(SIGTERM);
+    ASSERT_TRUE(heardWithin(u"3/S/"_s, 3, kerbano)) << kerbano.said().toStdString();
+    ASSERT_TRUE(kerbano.endsCleanlyOn(SIGTERM)) << kerbano.said().toStdString();
 
-    ASSERT_TRUE(kerbano.waitEnd()) << kerbano.said().toStdString();
-    EXPECT_EQ(kerbano.exitCode(), 0) << kerbano.said().toStdString();
     EXPECT_LT(journalCount(QStringLiteral("3/S/")), 60);
     const QStringList lines = resultLines();
-    ASSERT_GE(lines.size(), 3);
-    EXPECT_EQ(lines[lines.size() - 3], QStringLiteral("stopped = signal"));
-    EXPECT_EQ(lines[lines.size() - 2], QStringLiteral("exitcode = 0"));
+    EXPECT_EQ(lines.mid(lines.size() - 3, 2), (QStringList{u"stopped = signal"_s, u"exitcode = 0"_s}));
 }
 
 } // namespace

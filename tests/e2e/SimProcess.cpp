@@ -18,25 +18,6 @@ constexpr int kLowestPort = 20000;
 constexpr int kHighestPort = 32000; // kerbano refuses ports above 32767
 } // namespace
 
-SimProcess::SimProcess(QString workDir) : m_workDir(std::move(workDir))
-{
-}
-
-SimProcess::~SimProcess()
-{
-    stop();
-}
-
-QString SimProcess::journalPath() const
-{
-    return QDir(m_workDir).filePath(u"journal.txt"_s);
-}
-
-QString SimProcess::tapePath() const
-{
-    return QDir(m_workDir).filePath(u"tape.txt"_s);
-}
-
 bool SimProcess::startTcp()
 {
     for (int attempt = 0; attempt < kPortTries; ++attempt) {

@@ -10,13 +10,10 @@
 // given directory and always killed when the guard goes, whatever the test did.
 class SimProcess {
 public:
-    explicit SimProcess(QString workDir);
-    ~SimProcess();
+    explicit SimProcess(QString workDir) : m_workDir(std::move(workDir)) {}
+    ~SimProcess() { stop(); }
     SimProcess(const SimProcess&) = delete;
     SimProcess& operator=(const SimProcess&) = delete;
-
-    // Arguments for the register behind the wire's own (--faults FILE, say);
-    // for the next start.
 
     // Listens on a free loopback port at or below 32767; false when no port
     // could be taken within a few tries.
@@ -35,8 +32,8 @@ public:
 
     // The port field of kerbano's command line for this register.
     QString portField() const { return m_portField; }
-    QString journalPath() const;
-    QString tapePath() const;
+    QString journalPath() const { return m_workDir + QStringLiteral("/journal.txt"); }
+    QString tapePath() const { return m_workDir + QStringLiteral("/tape.txt"); }
     // Commands the register received, in order, from the journal line index on.
     QStringList journalCommands(int fromLine = 0) const;
     QStringList journalLines() const;

@@ -7,9 +7,11 @@
 #include "SimProcess.h"
 #include "shell/CodePage.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QThread>
 #include <gtest/gtest.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -32,6 +34,15 @@ inline QByteArray sampleReceipt()
     return readBytes(QStringLiteral(KERBANO_SOURCE_DIR "/samples/receipt.txt"));
 }
 
+// A print file of count items, each one line, paid by the payment line.
+inline QByteArray itemsPrintFile(int count, const QByteArray& payment = " tot   1       0.00ΜΕΤΡΗΤΑ")
+{
+    QByteArray file = "resFile:  result.txt\r\ntag:  ITEMS\r\n";
+    for (int i = 0; i < count; ++i)
+        file += codepage::toWin1253(u" PLU 5200000000011 ΝΕΡΟ 500ML                        1       0.50   13.00  2\r\n"_s);
+    return file + codepage::toWin1253(QString::fromUtf8(payment)) + "\r\n";
+}
+
 class SimWorld : public ::testing::Test {
 protected:
     static constexpr int kRunTimeoutMs = 30000;
@@ -49,6 +60,20 @@ protected:
             sim.setExtraArguments({u"--faults"_s, path(u"faults.txt"_s)});
         }
         ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
+    }
+    // The register started over TCP or on a serial line with "command: action"
+    // in its fault script, and the worked receipt in print.txt: the command
+    // line that prints it, empty when the register did not start.
+    QString workedReceiptBehindFault(int command, const QByteArray& action, bool serial)
+    {
+        constexpr int kSerialBaud = 115200;
+        if (!writeBytes(path(u"faults.txt"_s), QByteArray::number(command) + ": " + action + "\n")
+            || !writeBytes(path(u"print.txt"_s), sampleReceipt()))
+            return {};
+        sim.setExtraArguments({u"--faults"_s, path(u"faults.txt"_s)});
+        if (!(serial ? sim.startPty(kSerialBaud) : sim.startTcp()))
+            return {};
+        return u"%1,%2,print.txt,0,TECFP,1110111"_s.arg(sim.portField()).arg(serial ? kSerialBaud : 9600);
     }
     QString commandLine() const { return u"%1,9600,print.txt,0,TECFP,1110111"_s.arg(sim.portField()); }
 
@@ -70,13 +95,51 @@ protected:
         const QString lines = u"[port] %1\r\n[baud] 9600\r\n[file] print\r\n[multi type] true\r\n"_s;
         ASSERT_TRUE(writeBytes(path(u"param.ini"_s), codepage::toWin1253(lines.arg(sim.portField()) + more)));
     }
-    // kerbano --headless --run name, each answer behind an --answer.
-    KerbanoRun runAction(const QString& name, const QStringList& answers = {})
+    // kerbano --headless --run name, each answer behind an --answer; it must
+    // end, with exitCode.
+    KerbanoRun runAction(const QString& name, const QStringList& answers = {}, int exitCode = 0)
     {
         QStringList arguments{u"--run"_s, name};
         for (const QString& answer : answers)
             arguments << u"--answer"_s << answer;
-        return runKerbanoHeadless(dir.path(), arguments, kRunTimeoutMs);
+        const KerbanoRun run = runKerbanoHeadless(dir.path(), arguments, kRunTimeoutMs);
+        EXPECT_TRUE(run.finished) << "kerbano did not end";
+        EXPECT_EQ(run.exitCode, exitCode) << run.err.toStdString();
+        return run;
+    }
+
+    // A resident life's param.ini: print files "in/print.N", polling from the start.
+    QByteArray residentParams() const
+    {
+        return "[port] " + sim.portField().toLatin1()
+            + "\r\n[baud] 9600\r\n[file] print\r\n[location] in\\\r\n[ecrt] TECFP\r\n"
+              "[multi type] true\r\n[print_desc] true\r\n[print_code] falseN\r\n[comments] true\r\n"
+              "[currency]=0\r\n[AutoStar]=yes\r\n";
+    }
+    // True once a resident kerbano took printFile away, within the event time.
+    bool printedWithin(const QString& printFile, KerbanoProcess& kerbano)
+    {
+        const QDeadlineTimer deadline(KerbanoProcess::kEventMs);
+        while (QFile::exists(printFile) && !deadline.hasExpired() && kerbano.running())
+            kerbano.waitEnd(100);
+        return !QFile::exists(printFile);
+    }
+    // True once the register heard count commands starting with prefix while
+    // kerbano runs, within the event time.
+    bool heardWithin(const QString& prefix, int count, const KerbanoProcess& kerbano) const
+    {
+        const QDeadlineTimer deadline(KerbanoProcess::kEventMs);
+        while (journalCount(prefix) < count && !deadline.hasExpired() && kerbano.running())
+            QThread::msleep(50);
+        return journalCount(prefix) >= count;
+    }
+    // How many commands the register heard that start with prefix.
+    int journalCount(const QString& prefix) const
+    {
+        int n = 0;
+        for (const QString& command : sim.journalCommands())
+            n += command.startsWith(prefix);
+        return n;
     }
 
     QStringList resultLines(const QString& name = u"result.txt"_s) const

@@ -2,6 +2,7 @@
 // virtual register, one print file a job: after every job the order store's
 // rows and what the register holds on each table touched are the same items.
 
+#include "PrintFileLines.h"
 #include "SimWorld.h"
 
 #include <QSqlDatabase>
@@ -18,12 +19,6 @@ constexpr int kReplySilenceMs = 300;
 
 // An item as both sides name it: its identifier and its line order.
 using Item = std::tuple<int, int>;
-
-QString pluLine(const QString& description, const QString& quantity, const QString& price)
-{
-    return u" PLU 5201234567890 "_s + description.leftJustified(28, u' ') + quantity.rightJustified(7, u' ')
-        + u"  "_s + price.rightJustified(9, u' ') + u"   13.00  2"_s;
-}
 
 class TablesEndToEnd : public SimWorld {
 protected:

@@ -2,36 +2,14 @@
 // as a shop runs it without a command line: param.ini names one print file
 // and starts printing by itself; the application drops the file, the window
 // life prints it, writes its result file, and ends after its one file.
-#include "PrintQString.h"
-#include "SimProcess.h"
-#include "shell/CodePage.h"
+#include "SimWorld.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QProcessEnvironment>
-#include <QTemporaryDir>
+#include <QRegularExpression>
 #include <QThread>
-#include <gtest/gtest.h>
 
 namespace {
-constexpr int kStartMs = 5000;
-constexpr int kRegisterHeardMs = 20000;
 constexpr int kLifeMs = 60000;
-constexpr int kLookMs = 100;
-
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 // The single-file way: [file] is the whole name, [multi type] false ends the
 // program after it, [AutoStar]=yes presses Command1 once the register answers.
@@ -43,79 +21,40 @@ QByteArray singleFileSettings(const QString& port)
           "[quantity]=true\r\n[AutoStar]=yes\r\n[location] \r\n";
 }
 
-// kerbano with no arguments: the window life, on a screen nobody sees.
-class WindowLife {
-public:
-    explicit WindowLife(const QString& workDir)
-    {
-        process_.setWorkingDirectory(workDir);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
-        process_.setProcessEnvironment(environment);
-        process_.setProcessChannelMode(QProcess::MergedChannels);
-        process_.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), QStringList());
-        started_ = process_.waitForStarted(kStartMs);
-    }
-    ~WindowLife()
-    {
-        if (process_.state() != QProcess::NotRunning) {
-            process_.kill();
-            process_.waitForFinished(kStartMs);
-        }
-    }
-
-    bool started() const { return started_; }
-    bool running() const { return process_.state() == QProcess::Running; }
-    bool waitEnd(int timeoutMs) { return process_.waitForFinished(timeoutMs); }
-    bool endedNormally() const { return process_.exitStatus() == QProcess::NormalExit; }
-    int exitCode() const { return process_.exitCode(); }
-    std::string said() { return process_.readAll().toStdString(); }
-
-private:
-    QProcess process_;
-    bool started_ = false;
-};
+using WindowLifeEndToEnd = SimWorld;
 
 } // namespace
 
-TEST(WindowLifeEndToEnd, ADroppedFileIsPrintedItsResultWrittenAndTheLifeEndsAfterItsOneFile)
+TEST_F(WindowLifeEndToEnd, ADroppedFileIsPrintedItsResultWrittenAndTheLifeEndsAfterItsOneFile)
 {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const QDir work(dir.path());
-    SimProcess sim(dir.path());
-    ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
-    ASSERT_TRUE(writeBytes(work.filePath(QStringLiteral("param.ini")), singleFileSettings(sim.portField())));
+    startRegister();
+    ASSERT_TRUE(writeBytes(path(u"param.ini"_s), singleFileSettings(sim.portField())));
 
-    WindowLife kerbano(dir.path());
+    KerbanoProcess kerbano(dir.path(), {}, {.windowLife = true, .inChild = {}});
     ASSERT_TRUE(kerbano.started());
     // The file comes once the window life has found the register.
-    const QDeadlineTimer heard(kRegisterHeardMs);
+    const QDeadlineTimer heard(KerbanoProcess::kEventMs);
     while (sim.journalCommands().isEmpty() && kerbano.running() && !heard.hasExpired())
-        QThread::msleep(kLookMs);
-    ASSERT_FALSE(sim.journalCommands().isEmpty()) << kerbano.said();
-    ASSERT_TRUE(kerbano.running()) << kerbano.said();
-    const QString printFile = work.filePath(QStringLiteral("print.txt"));
-    const QString dropping = work.filePath(QStringLiteral("print.tmp"));
-    ASSERT_TRUE(writeBytes(dropping, readBytes(QStringLiteral(KERBANO_SOURCE_DIR "/samples/receipt.txt"))));
-    ASSERT_TRUE(QFile::rename(dropping, printFile));
+        QThread::msleep(100);
+    ASSERT_FALSE(sim.journalCommands().isEmpty()) << kerbano.said().toStdString();
+    ASSERT_TRUE(kerbano.running()) << kerbano.said().toStdString();
+    ASSERT_TRUE(writeBytes(path(u"print.tmp"_s), sampleReceipt()));
+    ASSERT_TRUE(QFile::rename(path(u"print.tmp"_s), path(u"print.txt"_s)));
 
     ASSERT_TRUE(kerbano.waitEnd(kLifeMs)) << "the window life did not end after its one file";
-    const std::string said = kerbano.said();
-    EXPECT_TRUE(kerbano.endedNormally()) << said;
-    EXPECT_EQ(kerbano.exitCode(), 0) << said;
+    const std::string said = kerbano.said().toStdString();
+    EXPECT_EQ(kerbano.exitCode(), 0) << said; // -1 for a death by signal
     // The status line went to the window, not to stdout as in the life without one.
-    EXPECT_EQ(said.find(QStringLiteral("Αναμονη Για Στοιχεια").toStdString()), std::string::npos) << said;
-    EXPECT_FALSE(QFile::exists(printFile));
+    EXPECT_FALSE(kerbano.said().contains(u"Αναμονη Για Στοιχεια"_s)) << said;
+    EXPECT_FALSE(QFile::exists(path(u"print.txt"_s)));
 
-    const QStringList result = codepage::fromWin1253(readBytes(work.filePath(QStringLiteral("result.txt"))))
-                                   .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    const QStringList result = resultLines().filter(QRegularExpression(u"."_s));
+    const QString shown = result.join(u'\n');
     ASSERT_FALSE(result.isEmpty());
-    EXPECT_EQ(result.first(), QStringLiteral("tag = 00417"));
-    EXPECT_TRUE(result.filter(QStringLiteral("Err = ")).isEmpty()) << result.join(u'\n').toStdString();
-    EXPECT_TRUE(result.contains(QStringLiteral("recStatus = 1;6.50"))) << result.join(u'\n').toStdString();
-    EXPECT_EQ(result.last(), QStringLiteral("exitcode = 0"));
+    EXPECT_EQ(result.first(), u"tag = 00417"_s);
+    EXPECT_TRUE(result.filter(u"Err = "_s).isEmpty()) << shown.toStdString();
+    EXPECT_TRUE(result.contains(u"recStatus = 1;6.50"_s)) << shown.toStdString();
+    EXPECT_EQ(result.last(), u"exitcode = 0"_s);
     // The payment went to the register once: the receipt was printed, once.
-    EXPECT_EQ(sim.journalCommands().count(QStringLiteral("5/1/6.50/ΜΕΤΡΗΤΑ//////")), 1);
+    EXPECT_EQ(sim.journalCommands().count(u"5/1/6.50/ΜΕΤΡΗΤΑ//////"_s), 1);
 }

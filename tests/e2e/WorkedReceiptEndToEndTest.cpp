@@ -1,35 +1,13 @@
 // The worked receipt printed by the real kerbano --headless on the real
 // virtual register, over TCP and over a serial line (a pseudo-terminal).
 
+#include "Golden.h"
 #include "SimWorld.h"
 
 #include <QDateTime>
 #include <QRegularExpression>
 
 namespace {
-
-// What the register hears when a link opens: who it is, the probe of the
-// table edition (title and opening of table 290, then the zero payment that
-// frees the register), the VAT table, and the status probe of the first job.
-const QStringList kLinkOpening = {
-    u"a/"_s, u"\"/0/290/1/Kerbano V11.12//"_s, u"&/0/290//////////////"_s, u"5/1/0.00////"_s, u"e/"_s, u"?/"_s,
-};
-
-// One command a line of the worked print file, then the closing queries.
-const QStringList kWorkedReceipt = {
-    // PLU: 18 characters fit the first description's 15, the second stays empty.
-    u"3/S/ΚΑΦΕΣ ΦΙΛΤΡΟΥ 2//2.000/3.50/1/24.00/"_s,
-    // mod -10%: a discount (type 0) on the last item (scope 0) as a percentage (kind 0).
-    u"4/10.00//ΕΚΠΤΩΣΗ ΠΕΛΑΤΗ/0/0/0/"_s,
-    u"3/S/ΝΕΡΟ 500ML//1.000/0.50/2/13.00/"_s,
-    // dis 0.30: a discount on the subtotal (scope 1) as an amount (kind 1).
-    u"4/0.30//ΕΚΠΤΩΣΗ ΜΕΡ.ΣΥΝ/0/1/1/"_s,
-    u"7/1/1/ΠΕΛΑΤΗΣ 1044/"_s,
-    u"5/1/6.50/ΜΕΤΡΗΤΑ//////"_s,
-    // foo: four footer lines of 32, the empty ones as ".".
-    u"j/ΣΑΣ ΕΥΧΑΡΙΣΤΟΥΜΕ/./././////"_s,
-    u"5/99/0/ ///1/1/"_s, u"9/"_s, u"i/"_s, u"?/"_s,
-};
 
 QStringList replyFieldsOf(const QStringList& journalLines, const QString& command)
 {
@@ -69,7 +47,7 @@ protected:
         const QDateTime after = QDateTime::currentDateTime();
 
         // Every command-line life opens the link anew, so the opening comes first.
-        EXPECT_EQ(sim.journalCommands(from), kLinkOpening + kWorkedReceipt);
+        EXPECT_EQ(sim.journalCommands(from), golden(u"e2e/worked-receipt.txt"_s, u"journal"_s));
 
         const QStringList lines = resultLines();
         ASSERT_EQ(lines.size(), 7) << lines.join(u'|').toStdString();

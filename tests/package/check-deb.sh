@@ -55,17 +55,20 @@ dpkg-deb -c "$deb" >"$work/contents"
 has_file() { awk '{print $NF}' "$work/contents" | grep -qxF "./$1"; }
 mode_of() { awk -v p="./$1" '$NF == p {print $1}' "$work/contents"; }
 
-for f in usr/bin/kerbano usr/bin/kerbano-ecr-sim \
-         usr/lib/systemd/system/kerbano.service usr/lib/systemd/user/kerbano.service \
-         usr/lib/sysusers.d/kerbano.conf usr/lib/tmpfiles.d/kerbano.conf \
-         usr/share/applications/kerbano.desktop \
-         usr/share/icons/hicolor/scalable/apps/kerbano.svg \
-         usr/share/doc/kerbano/README.md usr/share/doc/kerbano/examples/param.ini; do
-    check "packs /$f" has_file "$f"
-done
 for f in usr/bin/kerbano usr/bin/kerbano-ecr-sim; do
     check "/$f is executable by all" [ "$(mode_of "$f")" = "-rwxr-xr-x" ]
 done
+dpkg-deb -x "$deb" "$work/root"
+root="$work/root"
+# The last assignment of a key wins, as systemd reads it.
+value() { grep -E "^$2=" "$1" | tail -n 1 | cut -d= -f2- || true; }
+while IFS='|' read -r kind file key rest; do
+    case "$kind" in
+    packs) check "packs /$file" has_file "$file" ;;
+    value) check "/$file: $key=$rest" [ "$(value "$root/$file" "$key")" = "$rest" ] ;;
+    line) check "/$file: a line $key${rest:+|$rest}" grep -qE -- "$key${rest:+|$rest}" "$root/$file" ;;
+    esac
+done < <(grep -v '^#' "$(dirname "$0")/../data/package/expected.txt")
 all_root_owned() { ! awk '{print $2}' "$work/contents" | grep -vqx root/root; }
 check "every entry belongs to root" all_root_owned
 
@@ -85,7 +88,6 @@ depends="$(field Depends)"
 depends_on() { tr ',|' '\n' <<<"$depends" | sed 's/^ *//; s/ .*//' | grep -qxF "$1"; }
 # Every Qt and curl library the packed programs load names its package; the
 # SQLite driver is a plugin that no program names, so it is always wanted.
-dpkg-deb -x "$deb" "$work/root"
 required=(libqt6sql6-sqlite)
 while read -r library; do
     case "$library" in
@@ -112,26 +114,13 @@ done
 
 # --- the packed programs start ------------------------------------------------
 
-root="$work/root"
-check "packed kerbano --version says $version" \
-    [ "$("$root/usr/bin/kerbano" --version)" = "kerbano $version" ]
-check "packed kerbano-ecr-sim --version says $version" \
-    [ "$("$root/usr/bin/kerbano-ecr-sim" --version)" = "kerbano-ecr-sim $version" ]
+for p in kerbano kerbano-ecr-sim; do
+    check "packed $p --version says $version" [ "$("$root/usr/bin/$p" --version)" = "$p $version" ]
+done
 
 # --- the system unit ----------------------------------------------------------
 
-# The last assignment of a key wins, as systemd reads it.
-value() { grep -E "^$2=" "$1" | tail -n 1 | cut -d= -f2- || true; }
 unit="$root/usr/lib/systemd/system/kerbano.service"
-check "service runs kerbano --headless" [ "$(value "$unit" ExecStart)" = "/usr/bin/kerbano --headless" ]
-check "service works in /var/lib/kerbano" [ "$(value "$unit" WorkingDirectory)" = /var/lib/kerbano ]
-check "service sets KERBANO_HOME to its folder" \
-    grep -qE '^Environment=(.* )?"?KERBANO_HOME=/var/lib/kerbano"?( |$)' "$unit"
-check "service runs as user kerbano" [ "$(value "$unit" User)" = kerbano ]
-check "service is in dialout" grep -qE '^SupplementaryGroups=(.* )?dialout( |$)' "$unit"
-check "service restarts on failure" [ "$(value "$unit" Restart)" = on-failure ]
-check "service waits for param.ini" [ "$(value "$unit" ConditionPathExists)" = /var/lib/kerbano/param.ini ]
-check "service starts at boot when enabled" [ "$(value "$unit" WantedBy)" = multi-user.target ]
 
 # Hardening must leave the serial ports and the network reachable.
 is_off() { case "$1" in "" | no | false | off | 0) return 0 ;; *) return 1 ;; esac; }
@@ -160,16 +149,8 @@ if [ "$protect" = strict ]; then
 fi
 
 sysusers="$root/usr/lib/sysusers.d/kerbano.conf"
-check "sysusers makes kerbano with home /var/lib/kerbano" \
-    grep -qE '^u kerbano .* /var/lib/kerbano( |$)' "$sysusers"
-check "sysusers puts kerbano in dialout" grep -qE '^m kerbano dialout$' "$sysusers"
-check "tmpfiles makes the service's folder" \
-    grep -qE '^d /var/lib/kerbano +[0-7]+ kerbano kerbano' "$root/usr/lib/tmpfiles.d/kerbano.conf"
 
 user_unit="$root/usr/lib/systemd/user/kerbano.service"
-check "user unit runs kerbano with its window" [ "$(value "$user_unit" ExecStart)" = /usr/bin/kerbano ]
-check "user unit belongs to the desktop session" \
-    [ "$(value "$user_unit" WantedBy)" = graphical-session.target ]
 
 # A copy whose ExecStart names the unpacked program, since verify wants it to
 # exist. A unit with a bad key or value still passes verify, with a warning
@@ -194,13 +175,11 @@ fi
 # --- desktop entry and icon ---------------------------------------------------
 
 desktop="$root/usr/share/applications/kerbano.desktop"
-check "desktop entry Name=Kerbano" grep -qx 'Name=Kerbano' "$desktop"
 # Greek letters in UTF-8 lead with byte CE or CF.
 check "desktop entry has a Greek comment" env LC_ALL=C grep -q $'^Comment=.*[\xce\xcf]' "$desktop"
 icon="$(value "$desktop" Icon)"
 check "desktop entry's icon $icon is packed" \
     [ -f "$root/usr/share/icons/hicolor/scalable/apps/$icon.svg" ]
-check "desktop entry starts kerbano" grep -qE '^Exec=.*\bkerbano\b' "$desktop"
 if command -v desktop-file-validate >/dev/null 2>&1; then
     check "desktop-file-validate" desktop-file-validate "$desktop"
 fi
@@ -223,9 +202,6 @@ crlf_only() {
 }
 check "sample param.ini ends every line with CR LF" crlf_only
 check "sample param.ini is Windows-1253 text" iconv -f WINDOWS-1253 -t UTF-8 -o /dev/null "$sample"
-for key in '[port] ' '[baud] ' '[file] ' '[ecrt] ' '[multi type] ' '[location] '; do
-    check "sample param.ini sets $key" grep -qF -- "$key" "$sample"
-done
 
 # The sample as it comes, its port pointed at the packed virtual register:
 # the packed kerbano polls print/print.1, prints it and deletes it.

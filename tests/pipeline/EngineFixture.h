@@ -147,6 +147,18 @@ protected:
         engine->command1();
     }
 
+    // The form and the timers at a glance: "caption|status line|" then the
+    // buttons Command1 and Command2 and the timers Timer1, Timer2 and mTimer,
+    // each "+" when enabled or armed and "-" when not.
+    QString glance() const
+    {
+        QString flags;
+        for (bool on : {form.state().command1Enabled, form.state().command2Enabled, engine->timer1().armed,
+                        engine->timer2().armed, engine->mTimer().armed})
+            flags += on ? u'+' : u'-';
+        return form.caption() + u'|' + form.comstattxt() + u'|' + flags;
+    }
+
     QString inPath(const QString& name) const { return dir.filePath(u"in/"_s + name); }
     void put(const QString& name, const QByteArray& bytes)
     {

@@ -133,10 +133,8 @@ TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
                            "receipt = 1287, 42, -1", "exitcode = 0"}));
     EXPECT_EQ(form.lblreceipt(), u"42"_s);
     const ReceiptState& state = engine->receiptState();
-    EXPECT_EQ(state.TableMode, 0);
-    EXPECT_EQ(state.currentTable(), -1);
-    EXPECT_EQ(state.lastTable(), 5);
-    EXPECT_FALSE(state.PaymentDone);
+    EXPECT_EQ(std::tuple(state.TableMode, state.currentTable(), state.lastTable(), state.PaymentDone),
+              std::tuple(0, -1, 5, false));
     EXPECT_TRUE(engine->moduleVariables().IgnoreOperatorBusy);
 }
 

@@ -2,6 +2,7 @@
 
 // The print-file interpreter over a scripted link with the receipt's world
 // beside it: print-file lines in, the commands the register heard out.
+#include "PrintFileLines.h"
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
@@ -22,15 +23,6 @@
 #include <gtest/gtest.h>
 
 using namespace Qt::Literals::StringLiterals;
-
-// A PLU line with its fields in their columns.
-inline QString pluLine(const QString& description, const QString& quantity, const QString& price,
-                       const QString& vat = u"13.00"_s, const QString& department = u"2"_s)
-{
-    return u" PLU 5201234567890 "_s + description.leftJustified(28, u' ') + quantity.rightJustified(7, u' ')
-        + u"  "_s + price.rightJustified(9, u' ') + u"   "_s + vat.rightJustified(5, u' ')
-        + department.rightJustified(3, u' ');
-}
 
 // payeft.dat's record: the application's payment payId is the register's
 // card payment 3 on terminal ecrEft.

@@ -1,3 +1,4 @@
+#include "Golden.h"
 #include "InterpreterFixture.h"
 
 namespace {
@@ -58,19 +59,7 @@ TEST_F(PrintFileTableTagsTest, AVisitOpensSellsOntoTheTableAndCancelsItsNegative
     const QStringList sent = run({u" TBO  012 ΚΗΠΟΣ~ΠΑΡΕΑ ΓΙΑΝΝΗ"_s,
                                   pluLine("ΣΟΥΒΛΑΚΙ", "2", "3.50"), pluLine("ΝΕΡΟ", "1", "0.50"),
                                   pluLine("ΝΕΡΟ", "-1", "0.50"), u" TBC 1"_s});
-    EXPECT_EQ(sent, (QStringList{
-                        "\"/0/12/1/               ΚΗΠΟΣ/                    ΠΑΡΕΑ ΓΙΑΝΝΗ/",
-                        "&/0/12//////////////",
-                        "a/",
-                        "i/",
-                        "3/S/ΣΟΥΒΛΑΚΙ//2.000/3.50/2/13.00/",
-                        "3/S/ΝΕΡΟ//1.000/0.50/2/13.00/",
-                        kZeroPayment,
-                        "&/0/12//////////////",
-                        "&/5/12/2/////////////",
-                        "3/C/ΝΕΡΟ/         /1.000/0.50/2/13.00/",
-                        kZeroPayment,
-                    }));
+    EXPECT_EQ(sent, golden(u"pipeline/table-tags.txt"_s, u"visit"_s));
     EXPECT_EQ(receipt.TableMode, 0);
     EXPECT_EQ(receipt.lastTable(), 12);
     EXPECT_EQ(std::pair(receipt.StoreSerial, receipt.StoreZ), std::pair(u"ABC12345678"_s, qint16(42)));
@@ -132,17 +121,7 @@ TEST_F(PrintFileTableTagsTest, SettlingInPartsMovesItemsToTable290AndPaysThem)
     run({u" TBO  3"_s, pluLine("ΣΑΛΑΤΑ", "1", "6.00"), pluLine("ΜΠΥΡΑ", "2", "4.35"), u" TBC 3"_s});
     moveReply = "00/00/00/1/102-2|160-1/";
     const QStringList sent = runAfresh({u" TBS  003"_s, pluLine("ΜΠΥΡΑ", "2", "4.35"), u" pay  01"_s});
-    EXPECT_EQ(sent, (QStringList{
-                        "\"/0/290/1/ΜΕΡ.ΕΞΟΦΛ #3/ /",
-                        "&/4/3/290/1/1///////////",
-                        "a/",
-                        "i/",
-                        "&/9/3/290/102////////////",
-                        "?/",
-                        "&/9/3/290/0////////////",
-                        "&/1/290//0////////0.00/////", // no discount: an empty flag, 0.00
-                        "&/3/290//0/1///////0.00/////",
-                    }));
+    EXPECT_EQ(sent, golden(u"pipeline/table-tags.txt"_s, u"settle in parts"_s));
     EXPECT_EQ(find(290, "ΜΠΥΡΑ", 2, 4.35).Result, -2); // paid and gone
     EXPECT_EQ(find(3, "ΣΑΛΑΤΑ", 1, 6).itemUID, 101);  // stays on its table
 }
@@ -158,10 +137,7 @@ TEST_F(PrintFileTableTagsTest, ATitleStaysProgrammedWhenTheMoveIsRefused)
 TEST_F(PrintFileTableTagsTest, VoidingAnOpenTableCancelsItsStoredItemsAndMode2VoiDoesNothing)
 {
     run({u" TBO  4"_s, pluLine("ΚΡΑΣΙ", "1", "8.00"), u" TBC 4"_s});
-    EXPECT_EQ(runAfresh({u" TBO  4"_s, u" voi"_s}),
-              (QStringList{"\"/0/4/1/ / /", "&/0/4//////////////", "a/", "i/", "a/", "i/", kZeroPayment,
-                           "&/0/4//////////////", "&/5/4/1/////////////", "3/C/ΚΡΑΣΙ//1.000/8.00/2/13.00/",
-                           kZeroPayment, "&/1/4//0////////////", "&/3/4//0/1///////0.01/////"}));
+    EXPECT_EQ(runAfresh({u" TBO  4"_s, u" voi"_s}), golden(u"pipeline/table-tags.txt"_s, u"void an open table"_s));
     EXPECT_EQ(receipt.TableMode, 0);
     EXPECT_EQ(find(4, "ΚΡΑΣΙ", 1, 8).Result, -2);
 

@@ -1,7 +1,9 @@
 // frmEFT, frmEFTSelect and frmsvr asked from an engine on a thread of its
 // own: filled from a scripted register, pressed by the test as the operator,
 // and the engine's call answered each time.
+#include "Golden.h"
 #include "PrintQString.h"
+#include "WindowTestSupport.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
 #include "payments/PaymentMap.h"
@@ -14,108 +16,21 @@
 #include "ui/frmEFTSelect.h"
 #include "ui/frmsvr.h"
 
-#include <QApplication>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QDate>
-#include <QElapsedTimer>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <gtest/gtest.h>
-#include <thread>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-template <typename Pred>
-bool waitFor(Pred pred, int ms = 10000)
+void expectShown(const QWidget* window, const QString& section)
 {
-    QElapsedTimer t;
-    t.start();
-    while (!pred() && t.elapsed() < ms)
-        QApplication::processEvents(QEventLoop::AllEvents, 10);
-    return pred();
+    EXPECT_EQ(shown(window), golden(u"ui/card-and-server-windows.txt"_s, section));
 }
-
-template <typename W>
-W* get(const QWidget* window, const char* name)
-{
-    return window ? window->findChild<W*>(QString::fromLatin1(name)) : nullptr;
-}
-
-QStringList rows(const QComboBox* list)
-{
-    QStringList out;
-    for (int i = 0; i < list->count(); ++i)
-        out << list->itemText(i);
-    return out;
-}
-
-QStringList labels(const QWidget* window)
-{
-    QStringList out;
-    for (const QLabel* label : window->findChildren<QLabel*>())
-        out << label->text();
-    return out;
-}
-
-// The engine's side: one menu action on a thread of its own. Whatever the
-// test did, it ends: a window still up is given up as the program ends.
-class EngineSide {
-public:
-    EngineSide(GuiOperator& person, std::function<void()> work)
-        : person_(person)
-        , thread_([this, work = std::move(work)] {
-            work();
-            done_ = true;
-        })
-    {
-    }
-    ~EngineSide()
-    {
-        if (!waitFor([this] { return finished(); }, 0))
-            person_.release();
-        waitFor([this] { return finished(); });
-        thread_.join();
-    }
-    bool finished() const { return done_.load(); }
-
-private:
-    GuiOperator& person_;
-    std::atomic<bool> done_{false};
-    std::thread thread_;
-};
-
-// The operator at the screen: steps in order, each once the windows show
-// what it waits for. They run from a timer, so inside a window's own loop too.
-class At {
-public:
-    At()
-    {
-        QObject::connect(&timer_, &QTimer::timeout, [this] {
-            if (!steps_.empty() && steps_.front().first()) {
-                const auto act = std::move(steps_.front().second);
-                steps_.pop_front();
-                act();
-            }
-        });
-        timer_.start(10);
-    }
-    At& then(std::function<bool()> ready, std::function<void()> act)
-    {
-        steps_.emplace_back(std::move(ready), std::move(act));
-        return *this;
-    }
-    bool done() const { return steps_.empty(); }
-
-private:
-    QTimer timer_;
-    std::deque<std::pair<std::function<bool()>, std::function<void()>>> steps_;
-};
 
 // A register with terminals 2 ("ALPHA") and 12 ("OMEGA") active, 5
 // inactive, 7 refusing its read; payments 1 cash, 2 card, 3 preloaded card.
@@ -171,32 +86,14 @@ TEST_F(CardAndServerWindows, PaymentMapWindowShowsTheRegistersListsFindsARecordA
         form = window.form();
         return form && form->isVisible() && form->windowTitle() == "Πληρωμές Καρτών";
     }, [&] {
-        for (const char* label : {"# πληρωμής Kerbano", "# πληρωμής Ταμειακής", "# EFT POS", "Προσπάθειες",
-                                  "Εναλλακτική πληρωμή"})
-            EXPECT_TRUE(labels(form).contains(QString::fromUtf8(label))) << label;
-        EXPECT_EQ(get<QCheckBox>(form, "chkActive")->text(), "Ενεργή");
-        EXPECT_EQ(get<QCheckBox>(form, "chk355")->text(), "Προείσπραξη");
+        expectShown(form, u"payment map opened"_s);
         for (const char* name : {"txtPay", "txtPAYEDDesc", "cmdFind", "save", "cmddelete", "cmdRef", "cmdexit"})
             EXPECT_NE(form->control(QString::fromLatin1(name)), nullptr) << name;
-        const QStringList terminals = rows(get<QComboBox>(form, "cmbECREFT"));
-        ASSERT_EQ(terminals.size(), 12); // "---" and the 11 slots the register read
-        EXPECT_EQ(terminals.first(), "---");
-        EXPECT_EQ(terminals.at(2), "ALPHA, 10.0.0.2");
-        EXPECT_EQ(terminals.at(5), "Ανενεργό");
-        EXPECT_EQ(terminals.at(11), "OMEGA, 10.0.0.12");
-        EXPECT_EQ(rows(get<QComboBox>(form, "cmbECRPayment")),
-                  (QStringList{"---", "2, VISA", "3, ΔΩΡΟΚΑΡΤΑ:ΠΡΟΦΟΡΤΩΜΕΝΗ"}));
-        EXPECT_EQ(get<QLineEdit>(form, "txtRetries")->text(), "0");
-        EXPECT_TRUE(get<QPushButton>(form, "cmdRef")->isEnabled());
         get<QLineEdit>(form, "txtPay")->setText(QStringLiteral("6"));
         get<QPushButton>(form, "cmdFind")->click();
     });
     at.then([&] { return get<QLineEdit>(form, "txtPAYEDDesc")->text() == "ΜΕΤΡΗΤΑ"; }, [&] {
-        EXPECT_EQ(get<QComboBox>(form, "cmbECRPayment")->currentIndex(), 1);
-        EXPECT_EQ(get<QComboBox>(form, "cmbECREFT")->currentIndex(), 2);
-        EXPECT_TRUE(get<QCheckBox>(form, "chkActive")->isChecked());
-        EXPECT_EQ(get<QLineEdit>(form, "txtRetries")->text(), "2");
-        EXPECT_EQ(get<QLineEdit>(form, "txtPayID")->text(), "1");
+        expectShown(form, u"payment map found"_s);
         // Another terminal and a pre-collection; save, then leave before
         // the engine is done: the save still runs.
         get<QComboBox>(form, "cmbECREFT")->setCurrentIndex(11);
@@ -204,10 +101,7 @@ TEST_F(CardAndServerWindows, PaymentMapWindowShowsTheRegistersListsFindsARecordA
         get<QPushButton>(form, "save")->click();
         get<QPushButton>(form, "cmdexit")->click();
     });
-    {
-        EngineSide engine(person, [&] { PaymentMapDialog(link, op, vars, payeft).run(window); });
-        ASSERT_TRUE(waitFor([&] { return engine.finished(); }));
-    }
+    ASSERT_TRUE(runOnEngine(person, [&] { PaymentMapDialog(link, op, vars, payeft).run(window); }));
     EXPECT_TRUE(at.done());
     EXPECT_EQ(window.form(), nullptr);
     EXPECT_EQ(link.commands().last(), "Y/1/ΜΕΤΡΗΤΑ/ΑΠΠΚ//0/100011010/0/ΑΝΤΙ ΠΙΣΤ.ΚΑΡΤΑ/");
@@ -226,8 +120,7 @@ TEST_F(CardAndServerWindows, TerminalChoiceListsActiveTerminalsAndSendsTheChosen
     frmEFTSelect reading;
     reading.showReading();
     EXPECT_EQ(reading.windowTitle(), "Πακέτο συναλλαγών EFTPOS...");
-    EXPECT_EQ(get<QLabel>(&reading, "lblTitle")->text(), "Αναμονή ανάγνωσης εγγραφών ΦΗΜΑΣ");
-    EXPECT_FALSE(get<QComboBox>(&reading, "cmbDocType")->isEnabled());
+    expectShown(&reading, u"terminal choice reading"_s);
     QTimer::singleShot(0, get<QPushButton>(&reading, "CancelButton"), &QPushButton::click);
     EXPECT_EQ(reading.choose({{QStringLiteral("#2 - ALPHA"), 2}}), -1);
 
@@ -237,22 +130,15 @@ TEST_F(CardAndServerWindows, TerminalChoiceListsActiveTerminalsAndSendsTheChosen
         return window.dialog() && window.dialog()->isVisible()
             && get<QLabel>(window.dialog(), "lblTitle")->text() == "Επιλέξτε απο την λίστα την συσκευή EFTPOS";
     }, [&] {
+        expectShown(window.dialog(), u"terminal choice"_s);
         auto* list = get<QComboBox>(window.dialog(), "cmbDocType");
         auto* ok = get<QPushButton>(window.dialog(), "OKButton");
-        EXPECT_TRUE(list->isEnabled());
-        EXPECT_EQ(rows(list), (QStringList{"#2 - ALPHA", "#12 - OMEGA"}));
-        EXPECT_EQ(ok->text(), "OK");
-        EXPECT_EQ(get<QPushButton>(window.dialog(), "CancelButton")->text(), "Cancel");
-        EXPECT_FALSE(ok->isEnabled()); // until a row is picked
         list->setCurrentIndex(1);
         emit list->activated(1);
         EXPECT_TRUE(ok->isEnabled());
         ok->click();
     });
-    {
-        EngineSide engine(person, [&] { RunEftBatch(link, op, vars, &window); });
-        ASSERT_TRUE(waitFor([&] { return engine.finished(); }));
-    }
+    ASSERT_TRUE(runOnEngine(person, [&] { RunEftBatch(link, op, vars, &window); }));
     EXPECT_TRUE(at.done());
     EXPECT_EQ(window.dialog(), nullptr);
     EXPECT_EQ(link.commands().last(), "\\/15/12/////////////////");
@@ -273,21 +159,12 @@ TEST_F(CardAndServerWindows, TaxServerWindowChecksOnEverySetStaysOpenAndSendsThe
         return form && form->isVisible();
     }, [&] {
         EXPECT_EQ(form->windowTitle(), "server ΑΑΔΕ");
-        EXPECT_EQ(get<QGroupBox>(form, "heading")->title(), "Ηλεκτρονική Αποστολή δεδομένων");
-        for (const char* label : {"Κλειδί AES", "Διεύθυνση webServer", "Διεύθυνση QR"})
-            EXPECT_TRUE(labels(form).contains(QString::fromUtf8(label))) << label;
+        expectShown(form, u"tax server"_s);
         set = get<QPushButton>(form, "Command1");
-        auto* connect = get<QCheckBox>(form, "taxConnect");
-        EXPECT_EQ(set->text(), "Set");
-        EXPECT_EQ(connect->text(), "Αποστολή Δεδομένων");
-        EXPECT_TRUE(connect->isChecked());
-        EXPECT_TRUE(get<QLineEdit>(form, "txtAES")->text().isEmpty());
-        EXPECT_TRUE(get<QLineEdit>(form, "txtWebServer")->text().startsWith("http://"));
-        EXPECT_TRUE(get<QLineEdit>(form, "txtQR")->text().endsWith("/tameiakes/myweb/q1.php"));
         get<QLineEdit>(form, "txtAES")->setText(key.left(63));
         get<QLineEdit>(form, "txtWebServer")->setText(QStringLiteral("http://srv.gr/eafdss/myweb/websend.php"));
         get<QLineEdit>(form, "txtQR")->setText(QStringLiteral("https://srv.gr/tameiakes/myweb/q1.php"));
-        connect->setChecked(false);
+        get<QCheckBox>(form, "taxConnect")->setChecked(false);
         set->click();
         EXPECT_FALSE(set->isEnabled()); // one press, one send
     });
@@ -300,10 +177,7 @@ TEST_F(CardAndServerWindows, TaxServerWindowChecksOnEverySetStaysOpenAndSendsThe
         EXPECT_EQ(get<QLineEdit>(form, "txtAES")->text(), key); // the entries stay
         form->reject();
     });
-    {
-        EngineSide engine(person, [&] { TaxServerSetup(link, op, vars).run(window); });
-        ASSERT_TRUE(waitFor([&] { return engine.finished(); }));
-    }
+    ASSERT_TRUE(runOnEngine(person, [&] { TaxServerSetup(link, op, vars).run(window); }));
     EXPECT_TRUE(at.done());
     EXPECT_EQ(link.commands(), QStringList{"]/0/0//http:~~srv.gr~eafdss~myweb~websend.php/80/" + key
                                            + "/https:~~srv.gr~tameiakes~myweb~q1.php/"});
@@ -317,10 +191,7 @@ TEST_F(CardAndServerWindows, AProgramEndingClosesAWaitingWindowAndAnswersLaterOn
     TaxServerWindowOnGui server(person);
     At at;
     at.then([&] { return server.form() && server.form()->isVisible(); }, [&] { person.release(); });
-    {
-        EngineSide waiting(person, [&] { TaxServerSetup(link, op, vars).run(server); });
-        ASSERT_TRUE(waitFor([&] { return waiting.finished(); }));
-    }
+    ASSERT_TRUE(runOnEngine(person, [&] { TaxServerSetup(link, op, vars).run(server); }));
     EXPECT_TRUE(at.done());
     EXPECT_TRUE(link.sent.isEmpty());
 
@@ -329,14 +200,11 @@ TEST_F(CardAndServerWindows, AProgramEndingClosesAWaitingWindowAndAnswersLaterOn
     std::optional<PaymentMapWindow::Pressed> pressed{PaymentMapWindow::Pressed{}};
     qint16 chosen = 5;
     std::optional<TaxServerEntries> entries{TaxServerEntries{}};
-    {
-        EngineSide later(person, [&] {
-            pressed = map.waitForPress({}, {});
-            chosen = select.idSelected({{QStringLiteral("#2 - ALPHA"), 2}});
-            entries = server.waitForSet({});
-        });
-        ASSERT_TRUE(waitFor([&] { return later.finished(); }));
-    }
+    ASSERT_TRUE(runOnEngine(person, [&] {
+        pressed = map.waitForPress({}, {});
+        chosen = select.idSelected({{QStringLiteral("#2 - ALPHA"), 2}});
+        entries = server.waitForSet({});
+    }));
     EXPECT_FALSE(pressed.has_value());
     EXPECT_EQ(chosen, 0);
     EXPECT_FALSE(entries.has_value());

@@ -1,6 +1,7 @@
 // The window's clicks reach the engine's thread as names, and one chosen
 // while another action runs waits behind it, never inside it.
 #include "PrintQString.h"
+#include "WindowTestSupport.h"
 #include "config/ParamFileWriter.h"
 #include "ui/AboutBox.h"
 #include "ui/KerbanoGui.h"
@@ -17,17 +18,6 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-template <typename Pred>
-bool waitFor(Pred pred, int ms = 10000)
-{
-    QElapsedTimer t;
-    t.start();
-    while (!pred() && t.elapsed() < ms)
-        QApplication::processEvents(QEventLoop::AllEvents, 10);
-    return pred();
-}
-} // namespace
 
 TEST(QueuedActions, AnEntryChosenWhileAnotherRunsWaitsBehindItOnTheEngineThread)
 {

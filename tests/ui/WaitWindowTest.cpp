@@ -3,6 +3,7 @@
 // thread answered on the GUI thread while it keeps running.
 #include "../link/FakeTransport.h"
 #include "PrintQString.h"
+#include "WindowTestSupport.h"
 #include "link/DevicePort.h"
 #include "link/DeviceSession.h"
 #include "shell/CommunicationLog.h"
@@ -36,13 +37,8 @@ class WatchedOperator final : public Operator {
 public:
     explicit WatchedOperator(GuiOperator& gui) : gui_(gui) {}
 
-    struct Seen {
-        QString title;
-        QString stateLine;
-        QString description;
-        bool visible;
-    };
-    QList<Seen> seen;
+    // "shown|title|state line|description", or "hidden|..." once it went.
+    QStringList seen;
     int closeAfterUpdates = -1; // the person closes frmErr after this many updates
 
     Answer message(const QString& t, const QString& x, Icon i, Buttons b) override { return gui_.message(t, x, i, b); }
@@ -71,7 +67,8 @@ private:
     void look()
     {
         const WaitWindow* w = gui_.waitWindow();
-        seen.append({w->windowTitle(), w->stateLine(), w->description(), w->isVisible()});
+        seen << QStringList{w->isVisible() ? u"shown"_s : u"hidden"_s, w->windowTitle(), w->stateLine(),
+                            w->description()}.join(u'|');
     }
     GuiOperator& gui_;
 };
@@ -126,15 +123,9 @@ TEST_F(WaitWindowTest, PaperEndShowsItsLabelsFollowsThePollsAndGoesWhenTheRegist
     send(kSale);
     EXPECT_EQ(status, 0);
     EXPECT_EQ(sent, QStringList({kSale, "?/", "?/", kSale}));
-    ASSERT_EQ(person.seen.size(), 3);
-    EXPECT_EQ(person.seen[0].title, "Μήνυμα Ταμειακής (TEC 12345)");
-    EXPECT_EQ(person.seen[0].stateLine, "Status [44]");
-    EXPECT_EQ(person.seen[0].description, "Τέλος Χαρτοταινίας  'PAPEREND' !");
-    EXPECT_TRUE(person.seen[0].visible);
-    EXPECT_EQ(person.seen[1].stateLine, "Status [54]");
-    EXPECT_EQ(person.seen[1].description, " Επέμβαση χειριστή σε εξέλιξη!");
-    EXPECT_TRUE(person.seen[1].visible);
-    EXPECT_FALSE(person.seen[2].visible);
+    EXPECT_EQ(person.seen, (QStringList{"shown|Μήνυμα Ταμειακής (TEC 12345)|Status [44]|Τέλος Χαρτοταινίας  'PAPEREND' !",
+                                        "shown|Μήνυμα Ταμειακής (TEC 12345)|Status [54]| Επέμβαση χειριστή σε εξέλιξη!",
+                                        "hidden|Μήνυμα Ταμειακής (TEC 12345)|Status [54]| Επέμβαση χειριστή σε εξέλιξη!"}));
     EXPECT_FALSE(gui.waitWindowClosedByOperator());
     EXPECT_EQ(gui.waitWindow()->pos(), QApplication::primaryScreen()->availableGeometry().topLeft());
 }
@@ -159,7 +150,7 @@ TEST_F(WaitWindowTest, ClosingTheWindowMidPollCountsAsClearedAndTheCommandGoesOu
     send(kSale);
     EXPECT_EQ(sent, QStringList({kSale, "?/", kSale}));
     ASSERT_EQ(person.seen.size(), 2);
-    EXPECT_TRUE(person.seen[0].visible);
+    EXPECT_TRUE(person.seen[0].startsWith(u"shown|"_s));
 }
 
 TEST(GuiOperatorThreads, TheEngineThreadsQuestionIsAnsweredOnTheGuiThreadWhichKeepsRunning)
@@ -180,25 +171,19 @@ TEST(GuiOperatorThreads, TheEngineThreadsQuestionIsAnsweredOnTheGuiThreadWhichKe
 
     Operator::Answer got = Operator::Answer::Ok;
     Qt::HANDLE askedFrom = nullptr;
-    std::unique_ptr<QThread> engine(QThread::create([&] {
+    ASSERT_TRUE(runOnEngine(gui, [&] {
         askedFrom = QThread::currentThreadId();
         got = gui.message(u"TEC 12345"_s, u"Λάθος : 7"_s, Operator::Icon::Critical, Operator::Buttons::YesNo);
     }));
-    engine->start();
-    while (!engine->isFinished())
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-    engine->wait();
     EXPECT_EQ(got, Operator::Answer::No);
     EXPECT_NE(askedFrom, QThread::currentThreadId());
     EXPECT_GE(guiTicks, 5);
 
     // At the end a question is answered at once, and a wait counts as closed.
     gui.release();
-    std::unique_ptr<QThread> late(QThread::create([&] {
+    ASSERT_TRUE(runOnEngine(gui, [&] {
         got = gui.message(u"TEC 12345"_s, u"x"_s, Operator::Icon::Critical, Operator::Buttons::YesNo);
     }));
-    late->start();
-    late->wait();
     EXPECT_EQ(got, Operator::Answer::Cancel);
     EXPECT_TRUE(gui.waitWindowClosedByOperator());
 }
