@@ -1,7 +1,7 @@
 // The worked receipt printed by the real kerbano --headless on the real
 // virtual register, over TCP and over a serial line (a pseudo-terminal).
 
-#include "Golden.h"
+#include "DataFile.h"
 #include "SimWorld.h"
 
 #include <QDateTime>

@@ -1,5 +1,6 @@
 #include "payments/EftCardRoads.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
@@ -18,9 +19,7 @@ const QString kQuery = u"5/99/0/ ///1/1/"_s;
 // The commands a golden file lists, one a line.
 QStringList expectedCommands(const QString& name)
 {
-    QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/payments/") + name);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    return DataLines(QStringLiteral("payments/") + name);
 }
 
 // The outcome query's reply with one transaction whose terminal text is text.

@@ -1,5 +1,6 @@
 #include "ActionFixture.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "pipeline/MenuEntry.h"
 
@@ -10,10 +11,7 @@ TEST_F(ActionTest, EveryEntryOfBothMenusIsThereByNameInMenuOrderWithItsCaption)
 {
     start();
     buildActions();
-    QFile golden(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/menus.txt"));
-    ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
-    QStringList rows = QString::fromUtf8(golden.readAll()).split(u'\n', Qt::SkipEmptyParts);
-    rows.removeIf([](const QString& row) { return row.startsWith(u'#'); });
+    const QStringList rows = DataLines(u"menus.txt"_s);
     const QList<MenuEntry>& entries = actions->entries();
     ASSERT_EQ(entries.size(), rows.size());
     for (qsizetype i = 0; i < rows.size(); ++i) {

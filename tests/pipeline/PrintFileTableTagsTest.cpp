@@ -1,4 +1,4 @@
-#include "Golden.h"
+#include "DataFile.h"
 #include "InterpreterFixture.h"
 
 namespace {

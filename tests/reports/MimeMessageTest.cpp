@@ -1,5 +1,6 @@
 #include "reports/MimeMessage.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 
 #include <QFile>
@@ -58,9 +59,7 @@ QByteArray partPayload(const QByteArray& message, const QByteArray& headerLine)
 TEST(MimeMessage, ZMailWithAttachmentIsExactlyTheExpectedText)
 {
     // The golden mail is kept with LF line ends; the wire has CRLF.
-    QFile golden(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/reports/zmail.eml"));
-    ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
-    const QByteArray expected = golden.readAll().replace("\n", "\r\n");
+    const QByteArray expected = DataBytes(QStringLiteral("reports/zmail.eml")).replace("\n", "\r\n");
     EXPECT_EQ(BuildMimeMessage(zMail()), expected);
 }
 

@@ -110,7 +110,7 @@ TEST_F(ZFileRunTest, AWrittenZFileIsSaidOnTheStatusLineAndMailedWhenAReceiverIsS
     EXPECT_TRUE(QFile::exists(dir.filePath("Zfiles/Z0042.out")));
 }
 
-TEST_F(ZFileRunTest, AFailedRunShowsThePartsTextAndSendsNoMail)
+TEST_F(ZFileRunTest, AFailedRunShowsItsMessageAndSendsNoMail)
 {
     vars.eMail = QStringLiteral("z@acct.gr");
     vars.DeviceLabel = QStringLiteral("TEC 12345678");

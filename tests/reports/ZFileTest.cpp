@@ -1,5 +1,6 @@
 #include "reports/ZFile.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "records/ReceiptState.h"
@@ -26,20 +27,15 @@ QHash<QString, QString> dayReplies()
     QHash<QString, QString> r;
     for (int n = 1; n <= 20; ++n)
         r[QStringLiteral("d/%1/").arg(n)] = "00/00/00//1/1/0.00/0/0/0.00/";
-    QFile f(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/reports/zfile-day-replies.txt"));
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly));
-    for (const QString& line : QString::fromUtf8(f.readAll()).split(u'\n', Qt::SkipEmptyParts))
-        if (!line.startsWith(u'#'))
-            r[line.section(u'\t', 0, 0)] = line.section(u'\t', 1);
+    for (const QString& line : DataLines(QStringLiteral("reports/zfile-day-replies.txt")))
+        r[line.section(u'\t', 0, 0)] = line.section(u'\t', 1);
     return r;
 }
 
 // The Z file of that day, as its lines read (in UTF-8, each ending in LF here).
 QByteArray dayFile()
 {
-    QFile f(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/zfile-day.txt"));
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly));
-    return codepage::toWin1253(QString::fromUtf8(f.readAll()).replace(u'\n', QStringLiteral("\r\n")));
+    return codepage::toWin1253(QString::fromUtf8(DataBytes(QStringLiteral("zfile-day.txt"))).replace(u'\n', QStringLiteral("\r\n")));
 }
 
 class ZFileTest : public ::testing::Test {

@@ -1,5 +1,6 @@
 #include "tables/TableFlows.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
@@ -47,9 +48,7 @@ clsTable Item(qint16 table, qint32 uid, qint16 order, const QString& desc, doubl
 // The commands a golden file lists, one a line.
 QStringList expectedCommands(const QString& name)
 {
-    QFile file(QStringLiteral(KERBANO_SOURCE_DIR "/tests/data/tables/") + name);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    return DataLines(QStringLiteral("tables/") + name);
 }
 
 class TableFlowsTest : public ::testing::Test {

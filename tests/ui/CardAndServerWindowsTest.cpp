@@ -1,7 +1,7 @@
 // frmEFT, frmEFTSelect and frmsvr asked from an engine on a thread of its
 // own: filled from a scripted register, pressed by the test as the operator,
 // and the engine's call answered each time.
-#include "Golden.h"
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "WindowTestSupport.h"
 #include "ScriptedLink.h"

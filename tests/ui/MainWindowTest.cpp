@@ -1,7 +1,7 @@
 // The main form: its menus in order, its labels and buttons in each state of
 // the engine, and a close box that never ends the program.
 #include "../pipeline/EngineFixture.h"
-#include "Golden.h"
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "ui/FormMenus.h"
 #include "ui/MainWindow.h"

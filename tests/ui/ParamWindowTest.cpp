@@ -1,6 +1,6 @@
 // frmparam: the settings round trip through param.ini, vats.dat and mail.ini,
 // and the saves it refuses without writing a byte.
-#include "Golden.h"
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "config/MailSettings.h"
 #include "config/ParamFileReader.h"
