@@ -217,24 +217,9 @@ TEST_F(CardAndServerWindows, AProgramEndingClosesAWaitingWindowAndAnswersLaterOn
 TEST(CardAndServerWindowsInTheWindowLife, TheBatchEntryOpensFrmEFTSelectAndACancelSendsNothing)
 {
     QTemporaryDir dir;
-    ParamFormValues params;
-    params.comtxt = QStringLiteral("127.0.0.1:1"); // nobody listens: the link fails at once
-    params.filetxt = QStringLiteral("print");
-    ASSERT_TRUE(writeParamFile(dir.filePath(QStringLiteral("param.ini")), params, QDate(2026, 1, 2)));
-    EngineThread::Setup setup;
-    setup.driver = DriverOptions{dir.path(), dir.path(), QString(), true};
-    KerbanoGui gui(setup);
-    QStringList boxes;
-    QTimer person;
-    QObject::connect(&person, &QTimer::timeout, [&] {
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-            boxes << box->text();
-            box->accept();
-        }
-    });
-    person.start(10);
-    gui.start();
-    ASSERT_TRUE(waitFor([&] { return gui.window().shownState().comstattxt.startsWith("Λάθος : "); }));
+    DeadLinkWindowLife life(dir.path());
+    KerbanoGui& gui = life.gui();
+    ASSERT_TRUE(life.failed());
 
     // Every read of the closed link is refused with its box; the dialog opens all the same.
     At at;
@@ -246,15 +231,10 @@ TEST(CardAndServerWindowsInTheWindowLife, TheBatchEntryOpensFrmEFTSelectAndACanc
                 get<QPushButton>(gui.eftSelectWindow(), "CancelButton")->click();
             });
     emit gui.window().actionRequested(QStringLiteral("s8"));
-    ASSERT_TRUE(waitFor([&] { return boxes.contains("Δεν έγινε αποστολή της εντολής στο EFTPOS..."); }, 30000));
+    ASSERT_TRUE(waitFor([&] { return life.boxes.contains("Δεν έγινε αποστολή της εντολής στο EFTPOS..."); }, 30000));
     EXPECT_TRUE(at.done());
     EXPECT_EQ(gui.eftSelectWindow(), nullptr);
-
-    int code = -1;
-    QObject::connect(&gui, &KerbanoGui::ended, [&](int c) { code = c; });
-    emit gui.window().actionRequested(QStringLiteral("end"));
-    ASSERT_TRUE(waitFor([&] { return code == 0; }));
-    gui.stop();
+    EXPECT_TRUE(life.endsThroughTheMenu());
 }
 
 } // namespace

@@ -22,27 +22,10 @@ using namespace Qt::Literals::StringLiterals;
 TEST(QueuedActions, AnEntryChosenWhileAnotherRunsWaitsBehindItOnTheEngineThread)
 {
     QTemporaryDir dir;
-    ParamFormValues params;
-    params.comtxt = u"127.0.0.1:1"_s; // nobody listens: the link fails at once
-    params.filetxt = u"print"_s;
-    ASSERT_TRUE(writeParamFile(dir.filePath(u"param.ini"_s), params, QDate(2026, 1, 2)));
-
-    EngineThread::Setup setup;
-    setup.driver = DriverOptions{dir.path(), dir.path(), QString(), true};
-    KerbanoGui gui(setup);
-    // The person answers the link's message box with OK.
-    QStringList boxes;
-    QTimer person;
-    QObject::connect(&person, &QTimer::timeout, [&] {
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-            boxes << box->text();
-            box->accept();
-        }
-    });
-    person.start(20);
-    gui.start();
-    ASSERT_TRUE(waitFor([&] { return gui.window().shownState().comstattxt.startsWith("Λάθος : "); }));
-    EXPECT_EQ(boxes.size(), 1);
+    DeadLinkWindowLife life(dir.path());
+    KerbanoGui& gui = life.gui();
+    ASSERT_TRUE(life.failed());
+    EXPECT_EQ(life.boxes.size(), 1); // the link's message box, answered with OK
 
     // A long action on the engine thread that lets its event loop breathe, as a job does.
     std::atomic<bool> release{false};
@@ -71,9 +54,5 @@ TEST(QueuedActions, AnEntryChosenWhileAnotherRunsWaitsBehindItOnTheEngineThread)
     EXPECT_EQ(gui.aboutBox()->windowTitle(), "Περι Kerbano");
 
     // end ends, through the engine.
-    int code = -1;
-    QObject::connect(&gui, &KerbanoGui::ended, [&](int c) { code = c; });
-    emit gui.window().actionRequested(u"end"_s);
-    ASSERT_TRUE(waitFor([&] { return code == 0; }));
-    gui.stop();
+    EXPECT_TRUE(life.endsThroughTheMenu());
 }

@@ -3,15 +3,21 @@
 // The person at the screen for the widget tests: waiting on the GUI loop,
 // finding a window's controls, taking down what a window shows, steps that
 // run inside a window's own loop, and an engine thread that always ends.
+#include "config/ParamFileWriter.h"
 #include "ui/GuiOperator.h"
+#include "ui/KerbanoGui.h"
+#include "ui/MainWindow.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QDate>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QTimer>
 #include <atomic>
 #include <deque>
@@ -112,4 +118,64 @@ public:
 private:
     QTimer timer_;
     std::deque<std::pair<std::function<bool()>, std::function<void()>>> steps_;
+};
+
+// The window life on a register nobody answers (param.ini names a port where
+// nobody listens, so the link fails at once), and a person who answers every
+// message box with OK and notes its text.
+class DeadLinkWindowLife {
+public:
+    explicit DeadLinkWindowLife(const QString& dir)
+        : written_(writeParams(dir))
+        , gui_(setupFor(dir))
+    {
+        QObject::connect(&person_, &QTimer::timeout, [this] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                boxes << box->text();
+                box->accept();
+            }
+        });
+        person_.start(10);
+        gui_.start();
+    }
+    DeadLinkWindowLife(const DeadLinkWindowLife&) = delete;
+    DeadLinkWindowLife& operator=(const DeadLinkWindowLife&) = delete;
+
+    KerbanoGui& gui() { return gui_; }
+    // param.ini was written and the form shows the failed link.
+    bool failed()
+    {
+        return written_ && waitFor([this] { return gui_.window().shownState().comstattxt.startsWith("Λάθος : "); });
+    }
+    // The menu entry end ends the program with 0.
+    bool endsThroughTheMenu()
+    {
+        int code = -1;
+        QObject::connect(&gui_, &KerbanoGui::ended, [&code](int c) { code = c; });
+        emit gui_.window().actionRequested(QStringLiteral("end"));
+        const bool ended = waitFor([&code] { return code == 0; });
+        gui_.stop();
+        return ended;
+    }
+
+    QStringList boxes;
+
+private:
+    static bool writeParams(const QString& dir)
+    {
+        ParamFormValues params;
+        params.comtxt = QStringLiteral("127.0.0.1:1");
+        params.filetxt = QStringLiteral("print");
+        return writeParamFile(QDir(dir).filePath(QStringLiteral("param.ini")), params, QDate(2026, 1, 2));
+    }
+    static EngineThread::Setup setupFor(const QString& dir)
+    {
+        EngineThread::Setup setup;
+        setup.driver = DriverOptions{dir, dir, QString(), true};
+        return setup;
+    }
+
+    bool written_;
+    KerbanoGui gui_;
+    QTimer person_;
 };
