@@ -16,8 +16,6 @@
 #include <unistd.h>
 
 namespace {
-constexpr int kEventMs = KerbanoProcess::kEventMs;
-
 
 // payeft.dat: the application's payment 2 is the register's card payment 2 on terminal 1.
 QByteArray payEftFile()
