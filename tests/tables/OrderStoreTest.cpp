@@ -1,6 +1,7 @@
 #include "tables/ClsItemData.h"
 
 #include "PrintQString.h"
+#include "TableItem.h"
 
 #include <QDir>
 #include <QFile>
@@ -31,16 +32,7 @@ constexpr qint16 kZ = 7;
 clsTable Item(qint16 table, qint32 uid, qint16 order, const QString& desc, double quantity,
               double price, double vatRate = 24.0)
 {
-    clsTable item;
-    item.TableNUM = table;
-    item.itemUID = uid;
-    item.tableORDER = order;
-    item.setItemDesc(desc);
-    item.itemQuantity = quantity;
-    item.itemPrice = price;
-    item.itemDep = 2;
-    item.itemVatRate = vatRate;
-    return item;
+    return TableItem(table, uid, order, desc, quantity, price, vatRate);
 }
 
 clsTable Moved(qint16 table, qint32 uid, qint16 order, qint16 toTable, qint32 toUid, qint16 toOrder)

@@ -4,6 +4,7 @@
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
+#include "TableItem.h"
 #include "records/ReceiptState.h"
 #include "shell/Clock.h"
 #include "shell/FormModel.h"
@@ -33,16 +34,7 @@ struct RecordingSink final : ResultSink {
 
 clsTable Item(qint16 table, qint32 uid, qint16 order, const QString& desc, double quantity, double price)
 {
-    clsTable item;
-    item.TableNUM = table;
-    item.itemUID = uid;
-    item.tableORDER = order;
-    item.setItemDesc(desc);
-    item.itemQuantity = quantity;
-    item.itemPrice = price;
-    item.itemDep = 2;
-    item.itemVatRate = 13;
-    return item;
+    return TableItem(table, uid, order, desc, quantity, price, 13);
 }
 
 // The commands a golden file lists, one a line.
