@@ -42,7 +42,7 @@ Driver::Driver(Clock& clock, Operator& person, FormModel& form, TransportFactory
     , taxServer_(link_, person, engine_.moduleVariables())
     , actions_(form, person, engine_.moduleVariables(), *this)
     , journal_(orCurrent(options_.programDirectory))
-    , recovery_(link_, journal_, engine_.printJob(), person, engine_.moduleVariables())
+    , recovery_(link_, journal_, engine_.printJob(), person, engine_.moduleVariables(), tables_)
 {
     // Every job leaves its trace in the journal, and an unfinished one is
     // reconciled with the register before the next.

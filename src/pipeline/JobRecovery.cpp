@@ -12,10 +12,13 @@
 #include "shell/FileProcedures.h"
 #include "shell/ModuleVariables.h"
 #include "shell/Operator.h"
+#include "tables/TableFlows.h"
 
 #include <QDir>
-#include <algorithm>
 #include <QFileInfo>
+#include <QStringList>
+#include <algorithm>
+#include <set>
 
 namespace {
 const QString kTitleBeforeDevice = QStringLiteral("Μύνημα Kerbano");
@@ -59,12 +62,13 @@ QString money(qint64 cents)
 } // namespace
 
 JobRecovery::JobRecovery(DeviceLink& link, JobJournal& journal, PrintJob& job, Operator& person,
-                         ModuleVariables& vars)
+                         ModuleVariables& vars, TableFlows& tables)
     : link_(link)
     , journal_(journal)
     , job_(job)
     , person_(person)
     , vars_(vars)
+    , tables_(tables)
 {
 }
 
@@ -166,14 +170,17 @@ JobRecovery::Next JobRecovery::settleTable(const JournalJob& unfinished, const Q
                  .arg(QDir::toNativeSeparators(unfinished.printPath)));
         return Next::Hold;
     }
-    const bool soldOnTable = std::any_of(unfinished.sent.cbegin(), unfinished.sent.cend(),
-                                         [](const QString& c) { return c.startsWith(QLatin1String("3/")); });
-    if (!soldOnTable && samePrintFile(unfinished, path) && printFileUnchanged(unfinished)) {
+    // A visit opened and a title set change nothing the job would not do again.
+    const bool onlyOpened = std::all_of(unfinished.sent.cbegin(), unfinished.sent.cend(), [](const QString& c) {
+        return c.startsWith(QLatin1String("&/0/")) || c.startsWith(u'"');
+    });
+    if (onlyOpened && samePrintFile(unfinished, path) && printFileUnchanged(unfinished)) {
         // Nothing reached the table yet: the job may run from its start.
         job_.carryNote(QStringLiteral("jobNote = recovered;rerun"));
         journal_.settle(unfinished.id, QStringLiteral("rerun"), now);
         return Next::Run;
     }
+    matchStoreToTables(unfinished);
     job_.closeRecovered(unfinished.resultPath, DocumentFigures(),
                         QStringLiteral("jobNote = recovered;table;%1;%2")
                             .arg(unfinished.confirmed.size())
@@ -183,6 +190,30 @@ JobRecovery::Next JobRecovery::settleTable(const JournalJob& unfinished, const Q
         mFile::DeleteFile(unfinished.printPath);
     journal_.settle(unfinished.id, QStringLiteral("table"), now);
     return gone && samePrintFile(unfinished, path) ? Next::Skip : Next::Run;
+}
+
+// A reply that died with the earlier run may have left an item on a table
+// with no row in the store, or a row whose item never reached the table:
+// the register's table is the truth.
+void JobRecovery::matchStoreToTables(const JournalJob& unfinished)
+{
+    std::set<int> tables;
+    for (const QString& command : unfinished.sent) {
+        for (const int table : DeviceCommands::TablesNamedBy(command))
+            tables.insert(table);
+    }
+    if (tables.empty())
+        return;
+    tables_.readStoreKeys();
+    QStringList unmatched;
+    for (const int table : tables) {
+        if (tables_.MatchStoreToTable(static_cast<qint16>(table)) < 0)
+            unmatched << QString::number(table);
+    }
+    if (!unmatched.isEmpty())
+        tell(QStringLiteral("Η προηγούμενη εργασία τραπεζιού (%1) δεν ολοκληρώθηκε και η τοπική βάση "
+                            "παραγγελιών δεν μπόρεσε να ελεγχθεί με την ταμειακή για τα τραπέζια: %2.")
+                 .arg(QDir::toNativeSeparators(unfinished.printPath), unmatched.join(QStringLiteral(", "))));
 }
 
 // The result file was closed; only the deletion of the print file was cut
@@ -208,6 +239,11 @@ bool JobRecovery::cardChargeStands(const JournalJob& unfinished)
 
 void JobRecovery::tell(const QString& text)
 {
+    // A register that stays silent is asked again at every look for a print
+    // file; the operator is told once, not at every look.
+    if (text == lastTold_)
+        return;
+    lastTold_ = text;
     person_.message(vars_.DeviceLabel.isEmpty() ? kTitleBeforeDevice : vars_.DeviceLabel, text,
                     Operator::Icon::Warning);
 }

@@ -8,6 +8,7 @@ class DeviceLink;
 class JobJournal;
 class Operator;
 class PrintJob;
+class TableFlows;
 struct JournalJob;
 struct RegisterCounters;
 struct ModuleVariables;
@@ -25,7 +26,8 @@ struct ModuleVariables;
 // A card payment whose outcome is unknown is asked with the outcome query
 // first: a charge that stands is never taken twice. A table job is never
 // run again: its items stay on the table, an open visit is ended with a zero
-// payment, and the result file says how far the job got.
+// payment, the order store is brought in step with every table the job
+// named, and the result file says how far the job got.
 class JobRecovery {
 public:
     // What the job about to run on a print file is to do.
@@ -36,7 +38,7 @@ public:
     };
 
     JobRecovery(DeviceLink& link, JobJournal& journal, PrintJob& job, Operator& person,
-                ModuleVariables& vars);
+                ModuleVariables& vars, TableFlows& tables);
 
     // Reconciles the journal's unfinished job, if any; path is the print file
     // about to run.
@@ -51,6 +53,7 @@ private:
     Next settleClosed(const JournalJob& unfinished, const QString& path);
     Next settleTable(const JournalJob& unfinished, const QString& path,
                      const ReceiptFiguresQuery::Answer& figures, const RegisterCounters& now);
+    void matchStoreToTables(const JournalJob& unfinished);
     bool cardChargeStands(const JournalJob& unfinished);
     void tell(const QString& text);
 
@@ -59,4 +62,6 @@ private:
     PrintJob& job_;
     Operator& person_;
     ModuleVariables& vars_;
+    TableFlows& tables_;
+    QString lastTold_;
 };

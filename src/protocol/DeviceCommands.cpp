@@ -25,6 +25,11 @@ QString itemLine(QChar kind, const QString& name, const QString& name2, double q
                 amt(vatRate));
 }
 
+// The table operations that name two tables, and the one that names none.
+constexpr int kMoveOperation = 4;
+constexpr int kMoveItemOperation = 9;
+constexpr int kReportOperation = 10;
+
 QString webAddress(const QString& text)
 {
     QString out = text;
@@ -186,6 +191,25 @@ QString EditionProbeTitle()
                       QStringLiteral("Kerbano V") + n(kTitleMajorVersion) + QLatin1Char('.')
                           + n(kTitleMinorVersion),
                       QString());
+}
+
+QList<int> TablesNamedBy(const QString& command)
+{
+    const QStringList fields = command.split(QLatin1Char('/'));
+    const auto table = [&fields](int field) { return fields.value(field).toInt(); };
+    QList<int> tables;
+    if (fields.value(0) == QLatin1String("\"")) {
+        tables << table(2); // a title
+    } else if (fields.value(0) == QLatin1String("&")) {
+        const int operation = table(1);
+        if (operation == kReportOperation)
+            return {};
+        tables << table(2);
+        if (operation == kMoveOperation || operation == kMoveItemOperation)
+            tables << table(3);
+    }
+    tables.removeIf([](int t) { return t < 1; });
+    return tables;
 }
 
 QString DrawerSetting(int value) { return fill(u"I/%1/0", n(value)); }

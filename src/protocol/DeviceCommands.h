@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -95,6 +96,9 @@ QString TablesDetailReport();
 QString TablesSummaryReport();
 // The edition probe: table 290 titled "Kerbano V11.12", second title empty.
 QString EditionProbeTitle();
+// The tables a table command sent names: the table it works on, both tables
+// of a move; none for the reports and for any other command.
+QList<int> TablesNamedBy(const QString& command);
 
 // Control and reports.
 QString DrawerSetting(int value); // I/<value>/0

@@ -8,12 +8,14 @@
 #include <QFileInfo>
 #include <QSqlRecord>
 #include <cmath>
+#include <set>
+#include <utility>
 #include <limits>
 
 namespace {
 constexpr qint32 kGood = 0;
 constexpr qint32 kFailed = -1;
-constexpr qint32 kOpenFailed = -2; // orders_AddRecord only
+constexpr qint32 kOpenFailed = -2; // orders_AddRecord and orders_MatchTable only
 constexpr qint32 kNoSuchRow = -2;
 constexpr qint32 kNoStore = -3;
 
@@ -44,6 +46,11 @@ const QString kUpdateMoved = QStringLiteral(
     "UPDATE ecrOrders SET itemUID = ?, tableNUM = ?, tableORDER = ?, bTransfered = 0 WHERE rowid = "
     "(SELECT rowid FROM ecrOrders WHERE itemUID = ? AND tableNUM = ? AND tableORDER = ? "
     "ORDER BY rowid LIMIT 1)");
+// Every row of a table, of any period: the register's table knows no periods.
+const QString kTableRows =
+    QStringLiteral("SELECT rowid, itemUID, tableORDER, bTransfered FROM ecrOrders WHERE tableNUM = ? ORDER BY eNum");
+const QString kDeleteRow = QStringLiteral("DELETE FROM ecrOrders WHERE rowid = ?");
+const QString kReleaseRow = QStringLiteral("UPDATE ecrOrders SET bTransfered = 0 WHERE rowid = ?");
 const QString kMarkMoved = QStringLiteral(
     "UPDATE ecrOrders SET bTransfered = 1 WHERE rowid = (SELECT rowid FROM ecrOrders WHERE "
     "zNumber = ? AND tableNUM = ? AND itemUID = ? AND bTransfered = 0 ORDER BY eNum ASC LIMIT 1)");
@@ -208,6 +215,16 @@ qint32 clsItemData::orders_MarkRecord(const clsTable& item)
 
 qint16 clsItemData::addRow(const clsTable& item)
 {
+    return static_cast<qint16>(onStoreMade([&](StoreConnection& store) -> qint32 {
+        const qint32 line = nextLineNumber(store);
+        if (line < 1 || !store.exec(kInsertItem, rowValues(item, zNumber_, line)) || !store.commit())
+            return fail(store);
+        return kGood;
+    }));
+}
+
+qint32 clsItemData::onStoreMade(const StoreWork& work)
+{
     const bool creating = !QFileInfo(storePath()).isFile();
     StoreConnection store(storePath(), busyWaitMs_);
     bool present = false;
@@ -225,10 +242,52 @@ qint16 clsItemData::addRow(const clsTable& item)
         fail(OrderStoreFault::CannotCreate, store.error().text());
         return kNoStore;
     }
-    const qint32 line = nextLineNumber(store);
-    if (line < 1 || !store.exec(kInsertItem, rowValues(item, zNumber_, line)) || !store.commit())
-        return fail(store);
-    return kGood;
+    return work(store);
+}
+
+qint32 clsItemData::orders_MatchTable(qint16 table, const QList<clsTable>& onRegister)
+{
+    beginCall();
+    if (onRegister.isEmpty() && !QFileInfo(storePath()).isFile())
+        return 0;
+    const auto match = [&](StoreConnection& store) -> qint32 {
+        QList<QSqlRecord> rows;
+        if (!store.readAll(kTableRows, {table}, rows))
+            return fail(store);
+        std::set<std::pair<qint32, qint16>> held;
+        for (const clsTable& item : onRegister)
+            held.insert({item.itemUID, item.tableORDER});
+        std::set<std::pair<qint32, qint16>> kept;
+        qint32 changed = 0;
+        for (const QSqlRecord& row : rows) {
+            const std::pair<qint32, qint16> key{row.value(1).toInt(), static_cast<qint16>(row.value(2).toInt())};
+            const QVariantList rowid{row.value(0)};
+            // A row of an item the register no longer holds, or a second row of one it does.
+            if (!held.contains(key) || !kept.insert(key).second) {
+                if (!store.exec(kDeleteRow, rowid))
+                    return fail(store);
+                ++changed;
+            } else if (row.value(3).toInt() != 0) {
+                if (!store.exec(kReleaseRow, rowid))
+                    return fail(store);
+                ++changed;
+            }
+        }
+        for (const clsTable& item : onRegister) {
+            if (kept.contains({item.itemUID, item.tableORDER}))
+                continue;
+            kept.insert({item.itemUID, item.tableORDER});
+            const qint32 line = nextLineNumber(store);
+            if (line < 1 || !store.exec(kInsertItem, rowValues(item, zNumber_, line)))
+                return fail(store);
+            ++changed;
+        }
+        return store.commit() ? changed : fail(store);
+    };
+    qint32 result = onStoreMade(match);
+    if (lastFault_ == OrderStoreFault::Unreadable && setStoreAside())
+        result = onStoreMade(match);
+    return result;
 }
 
 qint32 clsItemData::writeRows(const QString& sql, const QVariantList& values)

@@ -3,6 +3,7 @@
 #include "records/ClsTable.h"
 #include "tables/OrderStoreFault.h"
 
+#include <QList>
 #include <QString>
 #include <QtGlobal>
 #include <functional>
@@ -49,6 +50,12 @@ public:
     qint32 orders_UpdateRecord(const clsTable& item);
     // The oldest row of itemUID on TableNUM in the Z period waits in a move.
     qint32 orders_MarkRecord(const clsTable& item);
+    // The rows of table, of any period, made to say what the register holds
+    // on it, in one transaction: a row of an item it no longer holds goes, an
+    // item it holds with no row gets one (in the Z period), a row waiting in
+    // a move is released. The rows changed, or -1, -2 failure while opening,
+    // -3 the store could not be made.
+    qint32 orders_MatchTable(qint16 table, const QList<clsTable>& onRegister);
 
     QString storePath() const;
     // What went wrong in the last call, None when nothing did. After SetAside
@@ -63,6 +70,8 @@ private:
     using StoreWork = std::function<qint32(StoreConnection&)>;
 
     qint16 addRow(const clsTable& item);
+    // Runs work in a write transaction on the store, made when missing.
+    qint32 onStoreMade(const StoreWork& work);
     qint32 writeRows(const QString& sql, const QVariantList& values);
     // Runs work on the existing store and turns its faults into the results.
     qint32 onStore(const StoreWork& work);

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QSqlQuery>
 #include <QUuid>
+#include <limits>
 
 namespace {
 const QString kDriver = QStringLiteral("QSQLITE");
@@ -94,9 +95,8 @@ bool StoreConnection::commit()
     return true;
 }
 
-bool StoreConnection::exec(const QString& sql, const QVariantList& values)
+bool StoreConnection::run(QSqlQuery& query, const QString& sql, const QVariantList& values)
 {
-    QSqlQuery query(db_);
     if (!query.prepare(sql)) {
         error_ = query.lastError();
         return false;
@@ -107,25 +107,42 @@ bool StoreConnection::exec(const QString& sql, const QVariantList& values)
         error_ = query.lastError();
         return false;
     }
+    return true;
+}
+
+bool StoreConnection::exec(const QString& sql, const QVariantList& values)
+{
+    QSqlQuery query(db_);
+    if (!run(query, sql, values))
+        return false;
     rowsAffected_ = query.numRowsAffected();
     return true;
 }
 
 bool StoreConnection::readFirst(const QString& sql, const QVariantList& values, QSqlRecord& row)
 {
+    QList<QSqlRecord> rows;
+    if (!readRows(sql, values, rows, 1))
+        return false;
+    row = rows.isEmpty() ? QSqlRecord() : rows.first();
+    return true;
+}
+
+bool StoreConnection::readAll(const QString& sql, const QVariantList& values, QList<QSqlRecord>& rows)
+{
+    return readRows(sql, values, rows, std::numeric_limits<qsizetype>::max());
+}
+
+bool StoreConnection::readRows(const QString& sql, const QVariantList& values, QList<QSqlRecord>& rows,
+                               qsizetype most)
+{
     QSqlQuery query(db_);
     query.setForwardOnly(true);
-    if (!query.prepare(sql)) {
-        error_ = query.lastError();
+    if (!run(query, sql, values))
         return false;
-    }
-    for (const QVariant& value : values)
-        query.addBindValue(value);
-    if (!query.exec()) {
-        error_ = query.lastError();
-        return false;
-    }
-    row = query.next() ? query.record() : QSqlRecord();
+    rows.clear();
+    while (rows.size() < most && query.next())
+        rows << query.record();
     // A row that the engine could not read comes as no row with an error.
     if (query.lastError().isValid()) {
         error_ = query.lastError();

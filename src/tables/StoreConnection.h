@@ -1,10 +1,13 @@
 #pragma once
 
 #include <QSqlDatabase>
+#include <QList>
 #include <QSqlError>
 #include <QSqlRecord>
 #include <QString>
 #include <QVariantList>
+
+class QSqlQuery;
 
 // One opening of the order store file for one call: a connection of its own
 // name, closed and removed when the object goes, so nothing is held between
@@ -35,10 +38,17 @@ public:
     int rowsAffected() const { return rowsAffected_; }
     // The first row of a query; an empty record when there is none.
     bool readFirst(const QString& sql, const QVariantList& values, QSqlRecord& row);
+    // Every row of a query.
+    bool readAll(const QString& sql, const QVariantList& values, QList<QSqlRecord>& rows);
 
     QSqlError error() const { return error_; }
 
 private:
+    // Prepares, binds and runs one statement on query.
+    bool run(QSqlQuery& query, const QString& sql, const QVariantList& values);
+    // At most most rows of a query.
+    bool readRows(const QString& sql, const QVariantList& values, QList<QSqlRecord>& rows, qsizetype most);
+
     QString name_;
     QSqlDatabase db_;
     QSqlError error_;

@@ -15,6 +15,7 @@
 
 #include <QList>
 #include <QStringList>
+#include <cmath>
 
 namespace dc = DeviceCommands;
 
@@ -25,6 +26,8 @@ const QString kListRefused = QStringLiteral("-1");
 const QString kListSeparator = QStringLiteral(", ");
 // The range of ltb: three digits, anything, three digits.
 constexpr int kRangeDigits = 3;
+constexpr qint32 kFailed = -1;
+constexpr double kCents = 100.0;
 
 const SendOptions kQuiet{.quiet = true};
 
@@ -256,6 +259,34 @@ void TableFlows::getOpenTablesList(const QString& range, QString& list)
             tables << QString::number(table);
     }
     list = tables.join(kListSeparator);
+}
+
+qint32 TableFlows::MatchStoreToTable(qint16 table)
+{
+    const TableContentsQuery query{table};
+    const std::optional<TableContentsQuery::Answer> contents = query.read(send(query.command(), kQuiet));
+    const std::optional<QList<TableContentsQuery::Item>> items =
+        contents ? contents->wholeItems() : std::nullopt;
+    if (!items)
+        return kFailed;
+    QList<clsTable> onRegister;
+    for (const TableContentsQuery::Item& item : *items) {
+        clsTable row;
+        row.TableNUM = table;
+        row.itemUID = item.identifier;
+        row.tableORDER = static_cast<qint16>(item.lineOrder);
+        row.setItemDesc(item.description);
+        row.itemQuantity = item.quantity;
+        // The register keeps the line's amount; the store, the price it was sold at.
+        row.itemPrice = item.quantity != 0.0 ? std::round(item.amount / item.quantity * kCents) / kCents : item.amount;
+        row.itemDep = static_cast<qint16>(item.department);
+        row.itemVatRate = item.vatRate;
+        onRegister << row;
+    }
+    clsItemData rows = store();
+    const qint32 changed = rows.orders_MatchTable(table, onRegister);
+    reportStoreFault(rows);
+    return changed < 0 ? kFailed : changed;
 }
 
 void TableFlows::bringTableToRegister()

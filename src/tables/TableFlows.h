@@ -49,6 +49,11 @@ public:
     qint16 DeleteTableRecords(qint16 table);
     // Rewrites the rows the register moved, as its reply names them.
     qint16 ApplyTransferReply(qint16 from, qint16 to, const QString& reply);
+    // The store's rows of table made to say what the register holds on it,
+    // after a job that ended before it could keep them in step. The rows
+    // changed; -1 when the register's table could not be read whole or the
+    // store failed (the operator is told of a store fault).
+    qint32 MatchStoreToTable(qint16 table);
     // The tables of range ("001-010"; anything else is 1 to 290) that hold
     // items, as "3, 7"; "-1" when the register refused a query.
     void getOpenTablesList(const QString& range, QString& list);

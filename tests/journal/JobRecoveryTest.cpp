@@ -13,9 +13,12 @@
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
 #include "shell/ProgressIndicator.h"
+#include "tables/TableFlows.h"
 
 #include <QDir>
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -79,6 +82,28 @@ protected:
         return lines;
     }
 
+    // The rows of table in the store, read with a connection of the test's own:
+    // identifier, line order, description, quantity, price, waiting in a move.
+    QStringList storeRows(int table) const
+    {
+        QStringList rows;
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("check"));
+            db.setDatabaseName(QDir(dir.path()).filePath(QStringLiteral("ABC12345678_Orders.sqlite")));
+            EXPECT_TRUE(db.open());
+            QSqlQuery query(db);
+            EXPECT_TRUE(query.exec(QStringLiteral("SELECT itemUID, tableORDER, trim(itemDesc), itemQuantity, itemPrice, "
+                                                  "bTransfered FROM ecrOrders WHERE tableNUM = %1 ORDER BY itemUID")
+                                       .arg(table)));
+            while (query.next())
+                rows << QStringLiteral("%1 %2 %3 %4 %5 %6")
+                            .arg(query.value(0).toString(), query.value(1).toString(), query.value(2).toString(),
+                                 query.value(3).toString(), query.value(4).toString(), query.value(5).toString());
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("check"));
+        return rows;
+    }
+
     QTemporaryDir dir;
     VirtualClock clock;
     ScriptedOperator person;
@@ -89,7 +114,8 @@ protected:
     ScriptedLink link;
     JobJournal journal{dir.path()};
     PrintJob job{clock, person, form, vars, receipt, progress, dir.path()};
-    JobRecovery recovery{link, journal, job, person, vars};
+    TableFlows tables{link, person, clock, receipt, vars, job, dir.path()};
+    JobRecovery recovery{link, journal, job, person, vars, tables};
 };
 
 TEST_F(JobRecoveryTest, JournalKeepsTheUnfinishedJobAndForgetsItOnceEnded)
@@ -172,6 +198,19 @@ TEST_F(JobRecoveryTest, ACardChargeThatStandsIsNeverVoidedNorRunAgain)
     EXPECT_FALSE(person.messages.isEmpty());
 }
 
+TEST_F(JobRecoveryTest, ASilentRegisterHoldsThePrintFileAtEveryLookAndTheOperatorIsToldOnce)
+{
+    earlierLifeSent({{QStringLiteral("3/S/ΚΑΦΕΣ//2.000/3.50/1/24.00/"), false}});
+    link.responder = [](const QString&, ScriptedLink::Answer& answer) {
+        answer.status = -1;
+        return true;
+    };
+    EXPECT_EQ(recovery.beforeJob(printPath()), JobRecovery::Next::Hold);
+    EXPECT_EQ(recovery.beforeJob(printPath()), JobRecovery::Next::Hold);
+    EXPECT_EQ(person.messages.size(), 1);
+    EXPECT_TRUE(QFile::exists(printPath()));
+}
+
 TEST_F(JobRecoveryTest, AClosedResultLeavesOnlyTheStalePrintFileToDeleteAndAskNothing)
 {
     earlierLifeSent({{QStringLiteral("5/1/6.50/ΜΕΤΡΗΤΑ//////"), true}});
@@ -181,16 +220,62 @@ TEST_F(JobRecoveryTest, AClosedResultLeavesOnlyTheStalePrintFileToDeleteAndAskNo
     EXPECT_FALSE(QFile::exists(printPath()));
 }
 
-TEST_F(JobRecoveryTest, ATableJobIsNeverRunAgainItsOpenVisitEndedWithAZeroPayment)
+// The earlier run sold a coffee onto table 7 and died before its reply (its
+// identifier and line order) reached the store; the store still held a row of
+// a water voided on the register and two rows of the bread, one waiting in a
+// move cut short.
+TEST_F(JobRecoveryTest, ATableJobIsNeverRunAgainAndLeavesTheStoreSayingWhatTheRegisterHolds)
 {
     earlierLifeSent({{QStringLiteral("&/0/7//////////////"), true},
                      {QStringLiteral("3/S/ΚΑΦΕΣ//2.000/3.50/1/24.00/"), false}});
     registerAnswers(kOpenWithCoffee);
+    const auto answerTheRest = link.responder;
+    link.responder = [answerTheRest](const QString& command, ScriptedLink::Answer& answer) {
+        if (command == QLatin1String("a/"))
+            answer.reply = QStringLiteral("00/00/00/12345678/1/ABC/");
+        else if (command == QLatin1String("&/11/7//0/0///////////"))
+            answer.reply = QStringLiteral("00/00/00/2/1|500|ΨΩΜΙ|1.000|0.80|1|13.00/2|501|ΚΑΦΕΣ|2.000|7.00|1|24.00/");
+        else
+            return answerTheRest(command, answer);
+        return true;
+    };
+    clsItemData store = tables.store(QStringLiteral("ABC12345678"), 8);
+    for (const auto& [uid, order, desc, price] :
+         {std::tuple(500, 1, "ΨΩΜΙ", 0.80), std::tuple(500, 1, "ΨΩΜΙ", 0.80), std::tuple(499, 3, "ΝΕΡΟ", 0.50)}) {
+        clsTable row;
+        row.TableNUM = 7;
+        row.itemUID = uid;
+        row.tableORDER = static_cast<qint16>(order);
+        row.setItemDesc(QString::fromUtf8(desc));
+        row.itemQuantity = 1.0;
+        row.itemPrice = price;
+        ASSERT_EQ(store.orders_AddRecord(row), 0);
+    }
+    clsTable bread;
+    bread.TableNUM = 7;
+    bread.itemUID = 500;
+    ASSERT_EQ(store.orders_MarkRecord(bread), 0);
 
     EXPECT_EQ(recovery.beforeJob(printPath()), JobRecovery::Next::Skip);
-    EXPECT_EQ(link.commands(),
-              (QStringList{QStringLiteral("9/"), QStringLiteral("i/"), QStringLiteral("5/1/0.00////")}));
+    EXPECT_EQ(link.commands(), (QStringList{"9/", "i/", "5/1/0.00////", "a/", "i/", "&/11/7//0/0///////////"}));
     EXPECT_FALSE(QFile::exists(printPath())) << "its items stay on the table: not sent twice";
     EXPECT_TRUE(resultLines().contains(QStringLiteral("jobNote = recovered;table;1;2")));
+    // The coffee found again as the register holds it: its price is what a void must name.
+    EXPECT_EQ(storeRows(7), (QStringList{"500 1 ΨΩΜΙ 1000 80 0", "501 2 ΚΑΦΕΣ 2000 350 0"}));
+    EXPECT_TRUE(person.messages.isEmpty());
+}
+
+TEST_F(JobRecoveryTest, ATableTheRegisterWillNotShowLeavesTheStoreAsItWasAndTellsTheOperator)
+{
+    earlierLifeSent({{QStringLiteral("&/4/3/9/0/1///////////"), false}});
+    registerAnswers(kClosedAfterReceipt42);
+    link.queue = {{0, QStringLiteral("00/00/00/12345678/1/ABC/")}, {0x11, "refused"},
+                  {0, QStringLiteral("00/00/00/0/1|7|ΝΕΡΟ/")}};
+
+    EXPECT_EQ(recovery.beforeJob(printPath()), JobRecovery::Next::Skip);
+    EXPECT_EQ(link.commands().mid(2), (QStringList{"a/", "i/", "&/11/3//0/0///////////", "&/11/9//0/0///////////"}));
+    ASSERT_EQ(person.messages.size(), 1);
+    EXPECT_TRUE(person.messages.first().text.contains(QStringLiteral("τραπέζια: 3, 9."))) << person.messages.first().text.toStdString();
+    EXPECT_FALSE(QFile::exists(tables.store(QStringLiteral("ABC12345678"), 8).storePath())) << "no store made";
 }
 } // namespace
