@@ -274,7 +274,7 @@ TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySecondsButAClosingPeerEndsAtOn
     EXPECT_LT(clock.monotonicMs(), closing.closeAtMs + 100);
 }
 
-TEST_F(TcpExchangeTest, FailedSendReopensTheConnection)
+TEST_F(TcpExchangeTest, AFailedSendReopensTheConnectionAndFourFailedSendsTellTheOperator)
 {
     open().failWrites = true;
     factory.script = [](FakeTransport& t) {
@@ -285,17 +285,13 @@ TEST_F(TcpExchangeTest, FailedSendReopensTheConnection)
     EXPECT_EQ(factory.tcpConnects, 2);
     EXPECT_TRUE(op.messages.isEmpty());
     EXPECT_TRUE(logBytes().contains(" reOpen TCP: 0\r\n"));
-}
 
-TEST_F(TcpExchangeTest, SendThatFailsFourTimesTellsTheOperator)
-{
-    open().failWrites = true;
+    factory.made.back()->failWrites = true;
     factory.nextStatus = -6;
     vars.DeviceLabel = "Delta [DNT1]";
     run("?/");
-    EXPECT_EQ(status, -4);
-    EXPECT_EQ(outcome, ReplyOutcome::LinkLost);
-    EXPECT_EQ(factory.tcpConnects, 1 + 4 * 4);
+    EXPECT_EQ(std::pair(status, outcome), std::pair(qint16(-4), ReplyOutcome::LinkLost));
+    EXPECT_EQ(factory.tcpConnects, 2 + 4 * 4);
     ASSERT_EQ(op.messages.size(), 4);
     EXPECT_EQ(op.messages[0].title, "Delta [DNT1]");
     EXPECT_EQ(op.messages[0].text, "Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)");
