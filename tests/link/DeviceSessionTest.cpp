@@ -132,43 +132,36 @@ TEST_F(DeviceSessionTest, OpenFailuresGiveStatusAndText)
     EXPECT_FALSE(link.isConnected());
 }
 
-TEST_F(DeviceSessionTest, IdentificationNamesTheModelAndProbesTheEdition)
+TEST_F(DeviceSessionTest, IdentificationNamesTheModelProbesOnlyDeltaEditionsAndAFailedOneCloses)
 {
-    replies["a/"] = {"00/00/00/123/x/DNT/"};
-    replies["\"/0/290/1/Kerbano V11.12//"] = {"06/00/00/"};
-    open();
-    EXPECT_EQ(form.label2(), "Delta [DNT123]");
-    EXPECT_EQ(vars.DeviceLabel, "Delta [DNT123]");
-    EXPECT_TRUE(vars.spRet);
-
-    link.CloseDeviceLink();
-    replies.erase("\"/0/290/1/Kerbano V11.12//");
-    link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
-    EXPECT_EQ(form.label2(), "Delta Rest [DNT123]");
-    EXPECT_FALSE(vars.spRet);
-    EXPECT_EQ(sent, QStringList({"a/", "\"/0/290/1/Kerbano V11.12//", "&/0/290//////////////", "5/1/0.00////"}));
-}
-
-TEST_F(DeviceSessionTest, ModelsWithoutEditionsSendNoProbeAndAFailedIdentificationCloses)
-{
+    const QString probe = QStringLiteral("\"/0/290/1/Kerbano V11.12//");
     const struct {
         const char* answer;
+        const char* probeAnswer;
         qint16 status;
         const char* label;
-    } cases[] = {{"06/00/00/", 6, "..."}, // the label is left as it was
-                 {"00/00/00/77/x/CCQ/", 0, "Mirka [CCQ77]"},
-                 {"00/00/00/77/x/ccq/", 0, "Ταμειακή [ccq77]"},
+        QStringList sent;
+    } cases[] = {{"06/00/00/", "", 6, "...", {"a/"}}, // the label is left as it was
+                 {"00/00/00/77/x/CCQ/", "", 0, "Mirka [CCQ77]", {"a/"}},
+                 {"00/00/00/77/x/ccq/", "", 0, "Ταμειακή [ccq77]", {"a/"}},
                  // A later failure leaves the former register's name standing.
-                 {"06/00/00/", 6, "Ταμειακή [ccq77]"}};
+                 {"06/00/00/", "", 6, "Ταμειακή [ccq77]", {"a/"}},
+                 {"00/00/00/123/x/DNT/", "06/00/00/", 0, "Delta [DNT123]", {"a/", probe}},
+                 {"00/00/00/123/x/DNT/", "00/00/00/", 0, "Delta Rest [DNT123]",
+                  {"a/", probe, "&/0/290//////////////", "5/1/0.00////"}}};
     for (const auto& c : cases) {
         sent.clear();
         replies["a/"] = {c.answer};
+        replies[probe] = {c.probeAnswer};
         link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
         EXPECT_EQ(status, c.status);
         EXPECT_EQ(form.label2(), c.label);
         EXPECT_EQ(vars.DeviceLabel, c.label);
-        EXPECT_EQ(sent, QStringList({"a/"}));
+        EXPECT_EQ(sent, c.sent);
         EXPECT_EQ(link.isConnected(), c.status == 0);
+        if (c.sent.size() > 1) {
+            EXPECT_EQ(vars.spRet, c.sent.size() == 2) << "the edition that refuses the probe";
+        }
         link.CloseDeviceLink();
     }
 }
