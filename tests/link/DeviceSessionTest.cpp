@@ -262,7 +262,7 @@ TEST_F(DeviceSessionTest, TheWaitLimitCountsOverTheResendsOfOneCommandOnTheClock
     EXPECT_GE(clock.monotonicMs(), vars.WaitLimitMs);
     EXPECT_LT(clock.monotonicMs(), vars.WaitLimitMs + 2 * DeviceSession::kPollIntervalMs + 1000);
     EXPECT_EQ(sent.count(kPlu), sent.count("?/") + 1) << "the last window sends nothing again";
-    EXPECT_EQ(windowEvents().filter(QRegularExpression("^open ")).size(), windowEvents().count("close"));
+    EXPECT_EQ(course().filter(QRegularExpression("^window open ")).size(), course().count("window close"));
     ASSERT_EQ(results.lines.size(), 1);
     EXPECT_TRUE(results.lines[0].startsWith("Err = 44, "));
 }
@@ -362,7 +362,10 @@ TEST_F(DeviceSessionTest, TheZeroPaymentsWaitEndsOnAPostedStopOrTheWaitLimitButW
         }
         EXPECT_EQ(vars.Stop, posted ? StopCause::Signal : StopCause::WaitLimit);
     }
-    EXPECT_EQ(windowEvents().mid(0, 2), QStringList({"open Status [44]", "close"}));
+    const QStringList window = course().filter(QRegularExpression("^window "));
+    EXPECT_EQ(window.mid(0, 2), QStringList({"window open Μήνυμα Ταμειακής (Αναμονή ολοκλήρωσης ταμειακής) / Status [44] / "
+                                             "Τέλος Χαρτοταινίας  'PAPEREND' !",
+                                             "window close"}));
     // While a card payment runs nothing gives the wait up.
     vars.EftBusy = true;
     EXPECT_EQ(WaitForRegister(link, op, clock), 0);

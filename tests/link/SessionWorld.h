@@ -43,15 +43,6 @@ struct SessionWorld {
     DevicePort port{vars, clock, op, factory, log};
     DeviceSession link{port, vars, clock, op, form, results, log};
 
-    // The wait window as the operator saw it: "open <state line>",
-    // "update <state line>", "close".
-    QStringList windowEvents() const
-    {
-        QStringList events;
-        for (const auto& e : op.waitEvents)
-            events << QStringList{"open ", "update ", "close"}.value(e.kind) + (e.kind == e.Close ? QString() : e.stateLine);
-        return events;
-    }
     QByteArray logBytes() const
     {
         QFile f(log.filePath());
