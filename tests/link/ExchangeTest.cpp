@@ -25,6 +25,13 @@ protected:
     qint16 status = 99;
     QString reply;
     ReplyOutcome outcome = ReplyOutcome::Success;
+
+    // The status, the outcome and the reply text as one value.
+    QString seen() const
+    {
+        static const QStringList outcomes = {"Success", "Refused", "Busy", "LinkLost", "NoReply"};
+        return QStringLiteral("%1 %2 %3").arg(status).arg(outcomes.value(int(outcome)), reply);
+    }
 };
 
 class SerialExchangeTest : public ExchangeTest {
@@ -57,8 +64,7 @@ TEST_F(SerialExchangeTest, StatusPollGoesOutFramedIsAcknowledgedAndLogged)
         line.deliver(kAck + "Z", 60); // leftovers are drained into the log
     });
     run("?/");
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(reply, "00/00/00/");
+    EXPECT_EQ(seen(), "0 Success 00/00/00/");
     ASSERT_GE(line.writes.size(), 3);
     EXPECT_EQ(line.writes[0].bytes, kEnq);
     EXPECT_EQ(line.writes[1].bytes, QByteArray("\x02?/10\x03"));
@@ -82,9 +88,7 @@ TEST_F(SerialExchangeTest, SilentLineGivesNoEnqAnswerAfterTheEnqWaitAndNoFrame)
         const qint64 start = clock.monotonicMs();
         timeout = wait;
         run("5/3/1.00////1/1/");
-        EXPECT_EQ(status, -207);
-        EXPECT_EQ(reply, "Αναμονή Απόκρισης Ταμειακής...");
-        EXPECT_EQ(outcome, ReplyOutcome::LinkLost);
+        EXPECT_EQ(seen(), "-207 LinkLost Αναμονή Απόκρισης Ταμειακής...");
         EXPECT_GT(clock.monotonicMs() - start, notBefore) << wait;
         EXPECT_LT(clock.monotonicMs() - start, notAfter) << wait;
     }
@@ -96,9 +100,7 @@ TEST_F(SerialExchangeTest, RegisterThatNeverRepliesGetsFourFramesThreeSecondsApa
 {
     device([](int) {});
     run("?/");
-    EXPECT_EQ(status, -4);
-    EXPECT_EQ(reply, "Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
-    EXPECT_EQ(outcome, ReplyOutcome::NoReply);
+    EXPECT_EQ(seen(), "-4 NoReply Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
     QList<qint64> enqAt, frameAt;
     for (const auto& w : line.writes)
         (w.bytes == kEnq ? enqAt : frameAt) << w.atMs;
@@ -110,32 +112,21 @@ TEST_F(SerialExchangeTest, RegisterThatNeverRepliesGetsFourFramesThreeSecondsApa
     }
 }
 
-TEST_F(SerialExchangeTest, ReplyInPiecesIsCollectedUntilEtx)
-{
-    device([this](int) {
-        line.deliver("\x02" "00/00", 100);
-        line.deliver("/00/9", 400);
-        line.deliver("/\x03", 900);
-    });
-    run("?/");
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(reply, "00/00/00/9/");
-    EXPECT_EQ(frames, 1);
-}
-
-TEST_F(SerialExchangeTest, LateNackOrMisplacedEtxSendsTheFrameAgain)
+TEST_F(SerialExchangeTest, AReplyInPiecesIsCollectedUntilEtxAndALateNackOrMisplacedEtxSendsTheFrameAgain)
 {
     struct Case {
         const char* why;
         QList<QPair<QByteArray, int>> first;
         QByteArray second;
         const char* reply; // null: only the status counts
+        int frames;
     };
     const Case cases[] = {
+        {"in pieces", {{"\x02" "00/00", 100}, {"/00/9", 400}, {"/\x03", 900}}, {}, "00/00/00/9/", 1},
         // The late pieces stay in the buffer ahead of the second reply.
-        {"completed after 3 s", {{"\x02" "00/00/00/", 100}, {"\x03", 3300}}, replyFrame("06/00/00/"), nullptr},
-        {"ETX not the last byte", {{"\x02" "00/00/00/\x03X", 30}}, "\x03", "00/00/00/X"},
-        {"NACK", {{"\x15", 30}}, "\x02" "00/\x06" "00/00/\x15\x03", "00/00/00/"},
+        {"completed after 3 s", {{"\x02" "00/00/00/", 100}, {"\x03", 3300}}, replyFrame("06/00/00/"), nullptr, 2},
+        {"ETX not the last byte", {{"\x02" "00/00/00/\x03X", 30}}, "\x03", "00/00/00/X", 2},
+        {"NACK", {{"\x15", 30}}, "\x02" "00/\x06" "00/00/\x15\x03", "00/00/00/", 2},
     };
     for (const Case& c : cases) {
         frames = 0;
@@ -147,7 +138,7 @@ TEST_F(SerialExchangeTest, LateNackOrMisplacedEtxSendsTheFrameAgain)
                 line.deliver(c.second, 30);
         });
         run("?/");
-        EXPECT_EQ(frames, 2) << c.why;
+        EXPECT_EQ(frames, c.frames) << c.why;
         EXPECT_EQ(status, 0) << c.why;
         if (c.reply) {
             EXPECT_EQ(reply, c.reply) << c.why;
@@ -205,8 +196,7 @@ TEST_F(TcpExchangeTest, PlainCommandAndReplyWithoutFrameOrAckAndPaymentsWait200M
 {
     FakeTransport& t = open(true);
     run("?/");
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(reply, "00/00/00/");
+    EXPECT_EQ(seen(), "0 Success 00/00/00/");
     ASSERT_EQ(t.writes.size(), 1);
     EXPECT_EQ(t.writes[0].bytes, QByteArray("?/"));
     EXPECT_EQ(t.writes[0].atMs, 10);
@@ -227,8 +217,7 @@ TEST_F(TcpExchangeTest, SplitReplyFirstPieceIsTheReplyAndTheRestGoesToTheNextCom
     t.deliver("00/00/00/", 20);
     t.deliver("06/00/00/", 200);
     run("?/");
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(reply, "00/00/00/");
+    EXPECT_EQ(seen(), "0 Success 00/00/00/");
     run("?/");
     EXPECT_EQ(status, 6);
 }
@@ -242,8 +231,7 @@ TEST_F(TcpExchangeTest, AReplyCutByTheNetworkIsOneReplyAndStaleBytesAreDroppedBe
     t.deliver("0/00/", 700);
     t.deliver("1/2/", 710);
     run("9/");
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(reply, "00/00/00/1/2/");
+    EXPECT_EQ(seen(), "0 Success 00/00/00/1/2/");
 
     // A late answer lies in the socket when the next command goes out: it is
     // dropped and logged, and the next command reads its own reply.
@@ -259,22 +247,19 @@ TEST_F(TcpExchangeTest, NoReplyFourSendsAboutFortySecondsButAClosingPeerEndsAtOn
 {
     FakeTransport& t = open();
     run("?/");
-    EXPECT_EQ(status, -4);
-    EXPECT_EQ(reply, "Ο Φορολ. Μηχανισμός δεν Απαντά σε εντολή !");
-    EXPECT_EQ(outcome, ReplyOutcome::NoReply);
+    EXPECT_EQ(seen(), "-4 NoReply Ο Φορολ. Μηχανισμός δεν Απαντά σε εντολή !");
     EXPECT_EQ(t.writes.size(), 4);
     EXPECT_NEAR(double(clock.monotonicMs()), 40000.0, 2100.0);
 
     FakeTransport& closing = open();
     closing.closeAtMs = clock.monotonicMs() + 1000;
     run("?/");
-    EXPECT_EQ(status, -4);
-    EXPECT_EQ(outcome, ReplyOutcome::LinkLost);
+    EXPECT_EQ(std::pair(status, outcome), std::pair(qint16(-4), ReplyOutcome::LinkLost));
     EXPECT_EQ(closing.writes.size(), 1);
     EXPECT_LT(clock.monotonicMs(), closing.closeAtMs + 100);
 }
 
-TEST_F(TcpExchangeTest, FailedSendReopensTheConnection)
+TEST_F(TcpExchangeTest, AFailedSendReopensTheConnectionAndFourFailedSendsTellTheOperator)
 {
     open().failWrites = true;
     factory.script = [](FakeTransport& t) {
@@ -285,17 +270,13 @@ TEST_F(TcpExchangeTest, FailedSendReopensTheConnection)
     EXPECT_EQ(factory.tcpConnects, 2);
     EXPECT_TRUE(op.messages.isEmpty());
     EXPECT_TRUE(logBytes().contains(" reOpen TCP: 0\r\n"));
-}
 
-TEST_F(TcpExchangeTest, SendThatFailsFourTimesTellsTheOperator)
-{
-    open().failWrites = true;
+    factory.made.back()->failWrites = true;
     factory.nextStatus = -6;
     vars.DeviceLabel = "Delta [DNT1]";
     run("?/");
-    EXPECT_EQ(status, -4);
-    EXPECT_EQ(outcome, ReplyOutcome::LinkLost);
-    EXPECT_EQ(factory.tcpConnects, 1 + 4 * 4);
+    EXPECT_EQ(std::pair(status, outcome), std::pair(qint16(-4), ReplyOutcome::LinkLost));
+    EXPECT_EQ(factory.tcpConnects, 2 + 4 * 4);
     ASSERT_EQ(op.messages.size(), 4);
     EXPECT_EQ(op.messages[0].title, "Delta [DNT1]");
     EXPECT_EQ(op.messages[0].text, "Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)");

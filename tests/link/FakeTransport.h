@@ -68,15 +68,11 @@ public:
 
 private:
     static constexpr qint64 kNever = qint64(1) << 60;
-    struct Chunk {
-        qint64 atMs;
-        QByteArray bytes;
-    };
     qint64 now() const { return clock_.monotonicMs(); }
     qint64 nextAt() const { return pending_.empty() ? kNever : std::max(pending_.front().atMs, now()); }
 
     VirtualClock& clock_;
-    std::deque<Chunk> pending_;
+    std::deque<Write> pending_;
 };
 
 // Hands out scripted pipes and counts the TCP connections.

@@ -1,32 +1,27 @@
 #include "link/PortAddress.h"
 #include "link/SerialFrame.h"
 
+#include "DataFile.h"
+#include "PrintQString.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
-QString framed(const QString& text, const char* digits)
+// Rows of link/frames.txt: a command and the check digits its frame carries.
+TEST(CheckDigits, GoldenFramesAndSums)
 {
-    return QChar(0x02) + text + QLatin1String(digits) + QChar(0x03);
-}
-
-TEST(CheckDigits, GoldenFrames)
-{
-    EXPECT_EQ(FrameCommand("?/"), framed("?/", "10"));
-    EXPECT_EQ(FrameCommand("a/"), framed("a/", "44"));
-    EXPECT_EQ(FrameCommand("x/1/1/99999/"), framed("x/1/1/99999/", "79"));
-    EXPECT_EQ(FrameCommand("z/1/2600/"), framed("z/1/2600/", "00"));
-    // Outer blanks go on the wire but not into the sum.
-    EXPECT_EQ(FrameCommand(" ?/ "), framed(" ?/ ", "10"));
-    // Byte sum first (356 -> 100), then modulo 100; 199 stays 99.
-    EXPECT_EQ(CheckDigits("ddd8"), 0);
-    EXPECT_EQ(CheckDigits("cd"), 99);
+    const QStringList rows = DataLines("link/frames.txt");
+    ASSERT_GT(rows.size(), 6);
+    for (const QString& row : rows) {
+        const QString text = row.section(u'\t', 0, 0);
+        const QString digits = row.section(u'\t', 1);
+        EXPECT_EQ(FrameCommand(text), QChar(0x02) + text + digits + QChar(0x03)) << qPrintable(row);
+        EXPECT_EQ(CheckDigits(text), digits.toInt()) << qPrintable(row);
+    }
     // Greek goes in as its Windows-1253 byte: Α is 0xC1.
     EXPECT_EQ(CheckDigits(QStringLiteral("Α")), 0xC1 % 100);
-}
-
-TEST(CheckDigits, CharacterOutsideTheCodePageIsReportedAndSummedAsQuestionMark)
-{
+    // A character outside the code page is reported and summed as a question mark.
     bool invalid = false;
     EXPECT_EQ(CheckDigits(QStringLiteral("?ж"), &invalid), (63 + 63) % 100);
     EXPECT_TRUE(invalid);
@@ -35,32 +30,25 @@ TEST(CheckDigits, CharacterOutsideTheCodePageIsReportedAndSummedAsQuestionMark)
     EXPECT_FALSE(invalid);
 }
 
-TEST(PortAddress, SerialAndNetworkForms)
+// Anything not serial is an address, whatever it holds; an address without a
+// whole port number up to 32767 is invalid.
+TEST(PortAddress, SerialNetworkAndInvalidForms)
 {
-    auto p = PortAddress::parse("com1");
-    EXPECT_EQ(p.kind, PortAddress::Kind::Serial);
-#ifndef Q_OS_WIN
-    EXPECT_EQ(p.device, "/dev/ttyS0");
-    EXPECT_EQ(PortAddress::parse("COM3").device, "/dev/ttyS2");
+    const QStringList kinds = {"serial", "tcp", "invalid"};
+    const QStringList rows = DataLines("link/port-addresses.txt");
+    ASSERT_GT(rows.size(), 10);
+    for (const QString& row : rows) {
+        const QStringList cell = row.split(u'\t');
+        const PortAddress p = PortAddress::parse(cell.value(0) == "-" ? QString() : cell.value(0));
+        const QString seen = kinds.value(int(p.kind)) + (p.kind == PortAddress::Kind::Serial ? " " + p.device
+                             : p.kind == PortAddress::Kind::Tcp ? QStringLiteral(" %1 %2").arg(p.address).arg(p.tcpPort)
+                                                                : QString());
+#ifdef Q_OS_WIN
+        if (cell.value(0).startsWith(u"com", Qt::CaseInsensitive))
+            continue; // COM names stay as they are there
 #endif
-    p = PortAddress::parse("/dev/ttyUSB0");
-    EXPECT_EQ(p.kind, PortAddress::Kind::Serial);
-    EXPECT_EQ(p.device, "/dev/ttyUSB0");
-
-    p = PortAddress::parse("192.168.1.20:9101:extra");
-    EXPECT_EQ(p.kind, PortAddress::Kind::Tcp);
-    EXPECT_EQ(p.address, "192.168.1.20");
-    EXPECT_EQ(p.tcpPort, 9101);
-    EXPECT_EQ(PortAddress::parse("127.0.0.1:32767").kind, PortAddress::Kind::Tcp);
-    // Anything not serial is an address, whatever it holds.
-    EXPECT_EQ(PortAddress::parse("LPT1:5").kind, PortAddress::Kind::Tcp);
-}
-
-TEST(PortAddress, MissingNonNumericOrTooHighPortIsInvalid)
-{
-    for (const char* port : {"192.168.1.20", "192.168.1.20:", "192.168.1.20:abc",
-                             "192.168.1.20:32768", "192.168.1.20:-1", ""})
-        EXPECT_EQ(PortAddress::parse(port).kind, PortAddress::Kind::Invalid) << port;
+        EXPECT_EQ(seen, cell.value(1)) << qPrintable(row);
+    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DataFile.h"
 #include "FakeTransport.h"
 #include "ScriptedOperator.h"
 
@@ -42,15 +43,6 @@ struct SessionWorld {
     DevicePort port{vars, clock, op, factory, log};
     DeviceSession link{port, vars, clock, op, form, results, log};
 
-    // The wait window as the operator saw it: "open <state line>",
-    // "update <state line>", "close".
-    QStringList windowEvents() const
-    {
-        QStringList events;
-        for (const auto& e : op.waitEvents)
-            events << QStringList{"open ", "update ", "close"}.value(e.kind) + (e.kind == e.Close ? QString() : e.stateLine);
-        return events;
-    }
     QByteArray logBytes() const
     {
         QFile f(log.filePath());
@@ -80,6 +72,31 @@ protected:
     void send(const QString& command, bool quiet = false, int logMode = 0)
     {
         link.SendCommand(command, status, reply, quiet, timeout, logMode);
+        statuses << QString::number(status);
+    }
+    // What the commands of a test left, as lines: their statuses, what the
+    // register heard, the wait window, the messages shown and the result
+    // lines; compared whole against the test's section of link/session.txt.
+    QStringList course() const
+    {
+        QStringList lines{"status " + statuses.join(u' ')};
+        for (const QString& command : sent)
+            lines << "> " + command;
+        for (const auto& e : op.waitEvents)
+            lines << (e.kind == e.Open ? "window open " + e.caption + " / " + e.stateLine + " / " + e.description
+                                       : QStringList{"", "window update ", "window close"}.value(e.kind) + e.stateLine);
+        for (const auto& m : op.messages)
+            lines << "message " + m.title + " / " + m.text + " / " + QString::number(int(m.icon));
+        for (const QString& line : results.lines)
+            lines << "result " + line;
+        return lines.replaceInStrings(QStringLiteral("\r"), QStringLiteral("<CR>"))
+            .replaceInStrings(QStringLiteral("\x02"), QStringLiteral("<STX>"))
+            .replaceInStrings(QStringLiteral("\x03"), QStringLiteral("<ETX>"));
+    }
+    static QStringList expectedCourse()
+    {
+        return golden(QStringLiteral("link/session.txt"),
+                      QString::fromUtf8(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     }
 
     std::map<QString, std::deque<QString>> replies;
@@ -87,6 +104,7 @@ protected:
     std::function<void(const QString& command, qsizetype timesSent)> onCommand;
     qint64 enqAnswerMs = 5;
     QStringList sent;
+    QStringList statuses;
     qint16 status = 99;
     qint16 timeout = 0;
     QString reply;

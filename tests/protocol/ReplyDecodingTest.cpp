@@ -9,46 +9,29 @@
 
 namespace {
 
-struct Case {
-    QString text;
-    bool ignoreOperatorBusy;
-    qint16 status;
-    QString reply; // null: the reply comes back as it went in
-};
-
-TEST(DecodeReply, DeviceCodesAndStatusBitsGiveTheirStatusAndText)
+// Rows of decoded-replies.txt: the reply, whether the operator-busy bit is
+// ignored, the status, the reply text after decoding and the outcome.
+TEST(DecodeReply, DeviceCodesAndStatusBitsGiveTheirStatusTextAndOutcome)
 {
-    const Case cases[] = {
-        {"00/00/00/1/2/", false, 0, {}},
-        {"cf/00/00/", false, 207, "EFTPOS payment in progress"},
-        // C4 is a success; C8 has no row and keeps the reply as it came.
-        {"C4/00/00/9/", false, 0, {}},
-        {"C8/00/00/", false, 200, {}},
-        // Bits count only without a device code, and the last set bit wins.
-        {"00/04/00/", false, 252, "DEVICE STATUS:/ Tέλος Χαρτιού !"},
-        {"00/10/00/", false, 255, "DEVICE ERROR:/ Αποσυνδεδεμένος Εκτυπωτής!"},
-        {"00/11/00/", false, 255, "DEVICE ERROR:/ Αποσυνδεδεμένος Εκτυπωτής!"},
-        {"00/80/00/", false, 255, "DEVICE ERROR:/ Πρόβλημα Κόψιμο Χαρτιου!"},
-        {"00/00/80/", false, 252, "DEVICE STATUS:/ EJ Απασχολημένο!"},
-        {"00/08/10/", false, 0, {}}, // bit 3 of byte 1 and bit 4 of byte 2 mean nothing
-        // A device code wins over a bit; a code without a row keeps the bit's text.
-        {"2C/04/00/", false, 44, "Τέλος Χαρτοταινίας  'PAPEREND' !"},
-        {"C8/04/00/", false, 200, "/ Tέλος Χαρτιού !"},
-        {"00/00/04/", false, 251, "DEVICE STATUS:/ Ταμειακή απασχoλημένη απο Χειριστή..."},
-        {"00/00/04/", true, 0, {}},
-        {"00/01/04/", true, 252, "DEVICE STATUS:/ Απασχολημένο !"},
-        {QStringLiteral("\x02\x06") + "06/00/00/" + QChar(0x03), false, 6, "Λάθος Εντολή !"},
-    };
-    for (const Case& c : cases) {
-        QString reply = c.text;
-        EXPECT_EQ(DecodeReply(reply, c.ignoreOperatorBusy), c.status) << c.text.toStdString();
-        EXPECT_EQ(reply, c.reply.isNull() ? c.text : c.reply) << c.text.toStdString();
+    const QStringList outcomes = {"Success", "Refused", "Busy", "LinkLost", "NoReply"};
+    const QStringList rows = DataLines("protocol/decoded-replies.txt");
+    ASSERT_GT(rows.size(), 25);
+    for (const QString& row : rows) {
+        const QStringList cell = row.split(u'\t');
+        SCOPED_TRACE(row.toStdString());
+        ASSERT_EQ(cell.size(), 5);
+        QString reply = cell[0];
+        EXPECT_EQ(DecodeReply(reply, cell[1] == "yes"), cell[2].toInt());
+        if (cell[3] != "*") {
+            EXPECT_EQ(reply, cell[3] == "=" ? cell[0] : cell[3]);
+        }
+        if (cell[4] != "*") {
+            EXPECT_EQ(int(DeviceReply::decode(cell[0], cell[1] == "yes").outcome()), outcomes.indexOf(cell[4]));
+        }
     }
-    for (const char* text : {"", "0", "00/00", "00/0", "ZZ/00/00/", "00/XY/00/", "00/00/ 1/"}) {
-        QString reply = text;
-        EXPECT_EQ(DecodeReply(reply, false), kStatusUnreadableReply) << text;
-        EXPECT_EQ(reply, QStringLiteral("DEVICE ERROR:") + text) << text;
-    }
+    QString framed = QStringLiteral("\x02\x06") + "06/00/00/" + QChar(0x03);
+    EXPECT_EQ(DecodeReply(framed, false), 6);
+    EXPECT_EQ(framed, "Λάθος Εντολή !");
 }
 
 // The register's code table lies in tests/data/device-codes.txt, row by row.
@@ -108,18 +91,8 @@ TEST(DeviceReply, StatusBytesAreReadAsHexadecimal)
     EXPECT_FALSE(odd.statusBitSet(1, 0));
 }
 
-TEST(DeviceReply, OutcomeTellsRefusalWaitLossAndSilenceApart)
+TEST(DeviceReply, AHeldStatusTellsRefusalWaitLossAndSilenceApart)
 {
-    const std::pair<const char*, ReplyOutcome> decoded[] = {
-        {"00/00/00/", ReplyOutcome::Success}, {"C4/00/00/", ReplyOutcome::Success},
-        {"BA/00/00/", ReplyOutcome::Refused}, {"00/10/00/", ReplyOutcome::Refused},
-        {"ZZ/00/00/", ReplyOutcome::Refused}, {"C1/00/00/", ReplyOutcome::Busy},
-        {"CF/00/00/", ReplyOutcome::Busy},    {"1A/00/00/", ReplyOutcome::Busy},
-        {"00/01/00/", ReplyOutcome::Busy},    {"00/00/04/", ReplyOutcome::Busy},
-    };
-    for (const auto& [reply, outcome] : decoded)
-        EXPECT_EQ(DeviceReply::decode(QString::fromLatin1(reply), false).outcome(), outcome) << reply;
-
     const std::pair<qint16, ReplyOutcome> held[] = {
         {0, ReplyOutcome::Success}, {6, ReplyOutcome::Refused},   {255, ReplyOutcome::Refused},
         {207, ReplyOutcome::Busy},  {-4, ReplyOutcome::NoReply}, {-207, ReplyOutcome::LinkLost},

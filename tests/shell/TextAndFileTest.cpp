@@ -14,14 +14,14 @@ TEST(CodePage, GreekBytesDecodeAndEncodeAsWindows1253Defines)
         const int byte = kFirst + i;
         const char16_t expected = kWindows1253A0toFE[i];
         if (expected == 0)
-            continue; // undefined bytes: see EveryByteSurvivesDecodeAndEncode
+            continue; // undefined bytes: the round trip below covers them
         EXPECT_EQ(codepage::fromWin1253(QByteArray(1, static_cast<char>(byte))), QString(QChar(expected)))
             << "byte 0x" << std::hex << byte;
         EXPECT_EQ(codepage::win1253Byte(QChar(expected)), byte) << "byte 0x" << std::hex << byte;
     }
 }
 
-TEST(CodePage, EveryByteSurvivesDecodeAndEncode)
+TEST(CodePage, EveryByteSurvivesOutsideCharactersAreCountedAndDosGreekIsRead)
 {
     QByteArray all;
     for (int b = 0; b < 256; ++b)
@@ -29,20 +29,12 @@ TEST(CodePage, EveryByteSurvivesDecodeAndEncode)
     int missing = -1;
     EXPECT_EQ(codepage::toWin1253(codepage::fromWin1253(all), &missing), all);
     EXPECT_EQ(missing, 0);
-}
-
-TEST(CodePage, CharacterOutsideTheCodePageBecomesQuestionMarkAndIsCounted)
-{
-    int missing = 0;
+    // A character outside the code page becomes a question mark and is counted.
     EXPECT_EQ(codepage::toWin1253(QStringLiteral("a\u4E2Db\u0416"), &missing), QByteArray("a?b?"));
     EXPECT_EQ(missing, 2);
     EXPECT_EQ(codepage::win1253Byte(QChar(0x4E2D)), -1);
     EXPECT_EQ(codepage::win1253Byte(QChar(0x20AC)), 0x80); // the euro sign lies below the table
-}
-
-TEST(CodePage, DosGreekLettersBecomeTheirWindowsLetters)
-{
-    // ΑΒΓ αβ ω ά Ώ in code page 737
+    // ΑΒΓ αβ ω ά Ώ in code page 737 become their Windows letters
     static const char raw[] = "\x80\x81\x82 \x98\x99 \xE0\xE1\xF0";
     const QByteArray dos(raw, sizeof raw - 1);
     EXPECT_EQ(codepage::fromCp737(dos), QStringLiteral("ΑΒΓ αβ ωάΏ"));
@@ -83,7 +75,7 @@ TEST(FileProcedures, ResultPathAndTagAreReadBehindTwoSkippedCharacters)
     EXPECT_EQ(mFile::ReadTagLine(QStringLiteral("tag:\r\n")), QString());
 }
 
-TEST(FileProcedures, AppendLineWritesWindows1253WithCrLfAndSwallowsFaults)
+TEST(FileProcedures, AppendLineWritesWindows1253WithCrLfAndAFileIsReadyOnceClosedAndNotEmpty)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("Result"));
@@ -97,22 +89,17 @@ TEST(FileProcedures, AppendLineWritesWindows1253WithCrLfAndSwallowsFaults)
     EXPECT_FALSE(mFile::AppendLine(dir.filePath(QStringLiteral("no/such/dir/Result")), QStringLiteral("x")));
     EXPECT_EQ(mFile::ReadWholeFile(dir.filePath(QStringLiteral("gone"))), QString());
     mFile::DeleteFile(dir.filePath(QStringLiteral("gone")));
-}
 
-TEST(FileProcedures, FileIsReadyOnlyWhenNonEmptyAndNobodyHoldsItOpen)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("print.1"));
-    EXPECT_FALSE(mFile::IsFileReady(path));
-
-    QFile writer(path);
+    const QString print = dir.filePath(QStringLiteral("print.1"));
+    EXPECT_FALSE(mFile::IsFileReady(print));
+    QFile writer(print);
     ASSERT_TRUE(writer.open(QIODevice::WriteOnly));
-    EXPECT_FALSE(mFile::IsFileReady(path)); // empty
+    EXPECT_FALSE(mFile::IsFileReady(print)); // empty
     writer.write("tag: 1\r\n");
     writer.flush();
-    EXPECT_FALSE(mFile::IsFileReady(path)); // still held by its writer
+    EXPECT_FALSE(mFile::IsFileReady(print)); // still held by its writer
     writer.close();
-    EXPECT_TRUE(mFile::IsFileReady(path));
+    EXPECT_TRUE(mFile::IsFileReady(print));
 }
 
 TEST(FileProcedures, WithoutLeasesAFileIsFinishedOnceItStoodStillBetweenLooks)
