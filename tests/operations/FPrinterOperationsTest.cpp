@@ -1,5 +1,6 @@
 #include "operations/FPrinterOperations.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
@@ -74,20 +75,12 @@ protected:
 
 TEST_F(FPrinterOperationsTest, OperationsWithoutArgumentsSendTheirCommand)
 {
-    const QList<QPair<QString, QStringList>> cases = {
-        {"initialize", {"?/"}},         {"receiptread", {"?/"}},      {"sut", {"?/"}},
-        {"DrawerNo", {"I/0/0"}},        {"DrawerYes", {"I/1/0"}},     {"pot", {"6/1/"}},
-        {"roa", {"6/0/"}},              {"hea", {"E/"}},              {"comE", {"m/", "k/0/0"}},
-        {"voidAll", {"+/"}},            {"fr", {"w/1/1/"}},           {"fj", {"w/2/1/"}},
-        {"ns", {"L/"}},                 {"0X", {"x/1/1/99999/"}},     {"2X", {"x/2/1/"}},
-        {"8X", {"x/6/1/"}},             {"6X", {"x/8/1/99999/"}},     {"5ZP", {"z/1/2600/"}},
-        {"foo_delete", {"F/0/./0/./0/./0/./0/./0/./"}},
-        {"disC", {}},                   {"PLU", {}},                  {"nonsense", {}},
-    };
-    for (const auto& [name, expected] : cases) {
+    const QStringList rows = DataLines(u"operations/plain-operations.txt"_s);
+    ASSERT_EQ(rows.size(), 22);
+    for (const QString& row : rows) {
         link.sent.clear();
-        write("ignored", name);
-        EXPECT_EQ(link.commands(), expected) << name.toStdString();
+        write("ignored", row.section(u' ', 0, 0));
+        EXPECT_EQ(link.commands(), row.section(u' ', 1).split(u" ; "_s, Qt::SkipEmptyParts)) << row.toStdString();
     }
     EXPECT_TRUE(op.messages.isEmpty());
 }
