@@ -1,52 +1,23 @@
 // A print file that no application should write still ends its job: the
 // driver runs, deletes the file and closes the result file as always.
 
+#include "DataFile.h"
 #include "SimWorld.h"
 
 #include <QRegularExpression>
 
 namespace {
 
-QByteArray win1253(const char* utf8)
-{
-    return codepage::toWin1253(QString::fromUtf8(utf8));
-}
-
-QByteArray badPrintFile()
-{
-    QByteArray file;
-    file += "resFile:  bad-result.txt\r\ntag:  BAD\r\n";
-    file += "\r\n P\r\n PLU\r\n mo\r\n to\r\n"; // lines too short for any field
-    // Letters where the columns want numbers: quantity, price, VAT, department.
-    file += " PLU ABCDEFGHIJKLM " + win1253("ΨΩΜΙ                    ") + "    x2y     τρία    ΦΠΑ   ab\r\n";
-    file += " mod  -1Ο%  " + win1253("ΛΑΘΟΣ") + "\r\n";
-    file += " dis  eight\r\n";
-    file += " tot   Z     ΑΒΓΔ" + win1253("ΜΕΤΡΗΤΑ") + "\r\n";
-    file += " pay xy\r\n";
-    file += " can  12ab56\r\n";
-    QByteArray longLine(" PLU ");
-    for (int i = 0; longLine.size() < 10000; ++i)
-        longLine += char(i % 3 == 0 ? '9' : (i % 3 == 1 ? 'Z' : '\xD8'));
-    file += longLine.left(10000) + "\r\n";
-    file += " com  " + QByteArray(10000, 'K') + "\r\n";
-    // NUL bytes inside a tag, inside a description and as a line of their own.
-    file += QByteArray(" PL\0U 1 ", 8) + QByteArray(40, '\0') + "\r\n";
-    QByteArray water = win1253(" PLU 5200000000011 ΝΕΡΟ 500ML                        1       0.50   13.00  2\r\n");
-    water.replace(win1253("ΡΟ 5"), QByteArray("\0\0\0\0", 4)); // the columns stay where they were
-    file += water;
-    file += QByteArray(16, '\0') + "\r\n";
-    file += " tot   1       0.50" + win1253("ΜΕΤΡΗΤΑ") + "\r\n";
-    file += " foo  " + QByteArray("\0\xC1\0", 3); // no CR LF behind the last line
-    return file;
-}
-
-class BadPrintFileEndToEnd : public SimWorld {};
+using BadPrintFileEndToEnd = SimWorld;
 } // namespace
 
 TEST_F(BadPrintFileEndToEnd, ShortLinesLettersInNumbersLongLinesAndNulsEndTheJobAsUsual)
 {
     startRegister();
-    print(badPrintFile());
+    // Lines too short for any field, letters where the columns want numbers, a
+    // line of 10,000 bytes, NULs in a tag, in a description and as a line of
+    // their own, and no CR LF behind the last line.
+    print(DataBytes(u"e2e/bad-print-file.txt"_s));
     QStringList lines = resultLines(u"bad-result.txt"_s);
     EXPECT_EQ(lines.takeLast(), QString()) << "the last line ends in CR LF";
     EXPECT_EQ(lines.value(lines.size() - 1), u"exitcode = 0"_s) << lines.join(u'|').toStdString();

@@ -4,7 +4,6 @@
 
 #include "SimWorld.h"
 
-#include <QtEndian>
 
 namespace {
 const QString kCard = u"5/2/6.50/ΚΑΡΤΑ///1/1/"_s;
@@ -17,11 +16,7 @@ protected:
     // the job's commands.
     QStringList printWith(const QByteArray& script)
     {
-        QByteArray map(2 * 128, '\0');
-        const qint16 fields[] = {2, 2, 1, -1, 0, 2, 1}; // two retries, then payment 1
-        for (int i = 0; i < 7; ++i)
-            qToLittleEndian<qint16>(fields[i], map.data() + 128 + 2 * i);
-        EXPECT_TRUE(writeBytes(path(u"payeft.dat"_s), map));
+        writePayEft({2, 2, 1, -1, 0, 2, 1}); // two retries, then payment 1
         startRegister(script);
         QByteArray file = sampleReceipt();
         const qsizetype at = file.indexOf("\n tot ");

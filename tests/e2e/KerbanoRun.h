@@ -1,11 +1,17 @@
 #pragma once
 
-#include <functional>
-
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
+
+#ifdef Q_OS_UNIX
+#include <csignal>
+#endif
 
 // One kerbano --headless with its own home, watched while it runs and
 // signalled at will; killed when it goes, whatever the test did.
@@ -20,15 +26,55 @@ public:
     static constexpr int kStartMs = 5000;
     static constexpr int kEventMs = 20000;
 
-    KerbanoProcess(const QString& workDir, const QStringList& arguments, const KerbanoProcessOptions& options = {});
-    ~KerbanoProcess();
+    KerbanoProcess(const QString& workDir, const QStringList& arguments, const KerbanoProcessOptions& options = {})
+    {
+        process_.setWorkingDirectory(workDir);
+        // Its own home too, so that runs side by side share no log or order store.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("KERBANO_HOME"), workDir);
+        if (options.windowLife)
+            environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        process_.setProcessEnvironment(environment);
+        if (options.inChild)
+            process_.setChildProcessModifier(options.inChild);
+        const QStringList life = options.windowLife ? QStringList{} : QStringList{QStringLiteral("--headless")};
+        process_.start(QStringLiteral(KERBANO_BIN_DIR "/kerbano"), life + arguments);
+        started_ = process_.waitForStarted(kStartMs);
+    }
+    ~KerbanoProcess()
+    {
+        if (process_.state() != QProcess::NotRunning) {
+            process_.kill();
+            process_.waitForFinished(kStartMs);
+        }
+    }
 
     bool started() const { return started_; }
     // Waits until stdout or stderr holds text; false when it never came.
-    bool waitFor(const QString& text, int timeoutMs = kEventMs);
+    bool waitFor(const QString& text, int timeoutMs = kEventMs)
+    {
+        const QDeadlineTimer deadline(timeoutMs);
+        while (!said().contains(text)) {
+            if (process_.state() == QProcess::NotRunning || deadline.hasExpired())
+                return false;
+            process_.waitForReadyRead(100);
+            take();
+        }
+        return true;
+    }
     // True when it ended in time.
-    bool waitEnd(int timeoutMs = kEventMs);
-    void signal(int number);
+    bool waitEnd(int timeoutMs = kEventMs)
+    {
+        const bool ended = process_.waitForFinished(timeoutMs);
+        take();
+        return ended;
+    }
+    void signal([[maybe_unused]] int number)
+    {
+#ifdef Q_OS_UNIX
+        ::kill(pid_t(process_.processId()), number);
+#endif
+    }
     // Signals it and waits: true when it then ended in time with status 0.
     bool endsCleanlyOn(int number)
     {
@@ -37,13 +83,17 @@ public:
     }
     bool running() const { return process_.state() == QProcess::Running; }
     // The exit code, or -1 for a death by signal.
-    int exitCode() const;
+    int exitCode() const { return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1; }
     QByteArray out() const { return out_; }
     QString said() const { return QString::fromUtf8(out_ + err_); }
     QString err() const { return QString::fromUtf8(err_); }
 
 private:
-    void take();
+    void take()
+    {
+        out_ += process_.readAllStandardOutput();
+        err_ += process_.readAllStandardError();
+    }
 
     QProcess process_;
     bool started_ = false;
@@ -59,7 +109,19 @@ struct KerbanoRun {
     QByteArray err;
 };
 
-KerbanoRun runKerbanoHeadless(const QString& workDir, const QString& commandLine, int timeoutMs);
+// kerbano --headless with the given arguments behind it, run to its end.
+inline KerbanoRun runKerbanoHeadless(const QString& workDir, const QStringList& arguments, int timeoutMs)
+{
+    KerbanoProcess kerbano(workDir, arguments);
+    KerbanoRun run;
+    run.finished = kerbano.waitEnd(timeoutMs);
+    run.exitCode = run.finished ? kerbano.exitCode() : -1;
+    run.out = kerbano.out();
+    run.err = kerbano.err().toUtf8();
+    return run;
+}
 
-// kerbano --headless with the given arguments behind it.
-KerbanoRun runKerbanoHeadless(const QString& workDir, const QStringList& arguments, int timeoutMs);
+inline KerbanoRun runKerbanoHeadless(const QString& workDir, const QString& commandLine, int timeoutMs)
+{
+    return runKerbanoHeadless(workDir, QStringList{commandLine}, timeoutMs);
+}

@@ -20,7 +20,8 @@ protected:
 };
 } // namespace
 
-TEST_F(MenuActionEndToEnd, VersionInfoFindsTheRegisterAsksItsVersionsAndEnds)
+// Version info, the financial X and an action not yet built, one after another.
+TEST_F(MenuActionEndToEnd, EachActionFindsTheRegisterRunsAndEndsOrSaysItIsNotBuilt)
 {
     writeParams(u"[AutoStar]=yes\r\n"_s); // passed over: a run of one action never starts polling
     const KerbanoRun ver = runAction(u"Ver"_s);
@@ -30,33 +31,25 @@ TEST_F(MenuActionEndToEnd, VersionInfoFindsTheRegisterAsksItsVersionsAndEnds)
     const QString err = QString::fromUtf8(ver.err);
     EXPECT_TRUE(err.contains(u"Version POS                : "_s)) << err.toStdString();
     EXPECT_TRUE(err.contains(u"Version Πρωτοκόλλου : "_s)) << err.toStdString();
-    const QStringList heard = sim.journalCommands();
+    QStringList heard = sim.journalCommands();
     ASSERT_FALSE(heard.isEmpty());
     EXPECT_EQ(heard.first(), u"a/"_s);
     EXPECT_EQ(heard.last(), u"v/"_s);
     EXPECT_EQ(heard.count(u"v/"_s), 1);
-}
 
-TEST_F(MenuActionEndToEnd, TheFinancialXRunsTheReportAndLeavesTheReadyTextOnTheDisplay)
-{
-    writeParams();
     const KerbanoRun x = runAction(u"xrep0"_s);
     EXPECT_TRUE(QString::fromUtf8(x.out).contains(u"Το Ισοζυγειο ολοκληρωθηκε\n"_s));
-    const QStringList heard = sim.journalCommands();
+    heard = sim.journalCommands();
     ASSERT_GE(heard.size(), 3);
     EXPECT_EQ(heard.mid(heard.size() - 3),
               (QStringList{"x/1/1/99999/", "7/0/1/            0.00/", "7/0/2/ *** Ετοιμη *** /"}));
-}
 
-TEST_F(MenuActionEndToEnd, AnActionNotYetBuiltSaysSoEndsNonZeroAndLeavesTheRegisterAlone)
-{
-    writeParams();
     // The answer is the option's own, never the system's command line.
     const KerbanoRun help = runAction(u"help_text"_s, {u"2"_s}, 3);
     EXPECT_TRUE(QString::fromUtf8(help.err).contains(u"Η λειτουργία Ρυθμίσεις δεν είναι ακόμη διαθέσιμη."_s))
         << help.err.toStdString();
     EXPECT_TRUE(help.out.isEmpty()) << help.out.toStdString();
-    EXPECT_TRUE(sim.journalCommands().isEmpty());
+    EXPECT_EQ(sim.journalCommands(), heard) << "the register is left alone";
 }
 
 TEST_F(MenuActionEndToEnd, TheZOfADayOfThreeReceiptsLeavesAZFileWithTheDaysFigures)

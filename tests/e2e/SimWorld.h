@@ -12,7 +12,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QtEndian>
 #include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -82,13 +86,23 @@ protected:
     KerbanoRun print(const QByteArray& printFile)
     {
         EXPECT_TRUE(writeBytes(path(u"print.txt"_s), printFile));
-        const KerbanoRun run = runKerbanoHeadless(dir.path(), commandLine(), kRunTimeoutMs);
+        const KerbanoRun run = runKerbanoHeadless(dir.path(), {commandLine()}, kRunTimeoutMs);
         EXPECT_TRUE(run.finished) << "kerbano did not end";
         EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
         EXPECT_FALSE(QFile::exists(path(u"print.txt"_s))) << "the print file stays";
         return run;
     }
 
+    // payeft.dat mapping the application's payment 2: its seven fields (the
+    // register's payment, terminal, ... retries, alternative).
+    void writePayEft(std::initializer_list<qint16> fields)
+    {
+        QByteArray map(2 * 128, '\0');
+        int at = 128;
+        for (const qint16 field : fields)
+            qToLittleEndian<qint16>(field, map.data() + std::exchange(at, at + 2));
+        ASSERT_TRUE(writeBytes(path(u"payeft.dat"_s), map));
+    }
     // param.ini naming the register, with more lines behind.
     void writeParams(const QString& more = {})
     {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QFile>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -14,8 +16,23 @@ struct TapeTally {
 
     int open() const { return begun - issued - voided; }
 
-    static TapeTally of(const QString& tapePath);
+    static TapeTally of(const QString& tapePath)
+    {
+        TapeTally tally;
+        QFile file(tapePath);
+        if (!file.open(QIODevice::ReadOnly))
+            return tally;
+        const QRegularExpression total(QStringLiteral("^ΣΥΝΟΛΟ ΕΥΡΩ +(\\S+)$"));
+        for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
+            if (line.contains(QStringLiteral("ΑΠΟΔΕΙΞΗ ΛΙΑΝΙΚΗΣ")))
+                ++tally.begun;
+            else if (line.contains(QStringLiteral("ΝΟΜΙΜΗ ΑΠΟΔΕΙΞΗ")))
+                ++tally.issued;
+            else if (line.startsWith(QStringLiteral("ΑΚΥΡΩΣΗ ΑΠΟΔΕΙΞΗΣ")))
+                ++tally.voided;
+            else if (const QRegularExpressionMatch m = total.match(line); m.hasMatch())
+                tally.issuedTotals << m.captured(1);
+        }
+        return tally;
+    }
 };
-
-// The result file's lines (Windows-1253, CR LF), the empty tail left out.
-QStringList resultLines(const QString& path);

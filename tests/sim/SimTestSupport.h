@@ -49,8 +49,7 @@ inline void replay(const QString& name, const std::function<QString(const QStrin
 }
 
 // The register's model alone, at a fixed time; what it prints goes to tape.
-class ModelTest : public ::testing::Test {
-protected:
+struct ModelWorld {
     RegisterMemory memory = RegisterMemory::factory();
     EcrModel model{memory};
     QStringList tape;
@@ -89,15 +88,14 @@ protected:
 
 // The whole register with its memory and tape in a temporary directory; a
 // "fault" line of a conversation loads a line of fault script.
-class DiskRegisterTest : public ::testing::Test {
-protected:
+struct DiskWorld {
     QTemporaryDir dir;
     VirtualClock clock;
     std::unique_ptr<SimRegister> reg;
 
-    void SetUp() override
+    DiskWorld()
     {
-        ASSERT_TRUE(dir.isValid());
+        EXPECT_TRUE(dir.isValid());
         restart();
     }
     // The register is switched off and on again: all it knows comes from --state.
@@ -128,3 +126,6 @@ protected:
         return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
     }
 };
+
+class ModelTest : public ::testing::Test, protected ModelWorld {};
+class DiskRegisterTest : public ::testing::Test, protected DiskWorld {};
