@@ -4,21 +4,9 @@
 
 #include "PrintFileLines.h"
 #include "SimWorld.h"
-
-#include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QTcpSocket>
-#include <QUuid>
-
-#include <set>
-#include <tuple>
+#include "TableSides.h"
 
 namespace {
-constexpr int kReplyWaitMs = 5000;
-constexpr int kReplySilenceMs = 300;
-
-// An item as both sides name it: its identifier and its line order.
-using Item = std::tuple<int, int>;
 
 class TablesEndToEnd : public SimWorld {
 protected:
@@ -33,54 +21,8 @@ protected:
         return codepage::fromWin1253(readBytes(path(u"result.txt"_s)));
     }
 
-    // What the register holds on table, asked on its wire by the test itself.
-    std::set<Item> registerItems(int table)
-    {
-        QTcpSocket socket;
-        const QString address = sim.portField();
-        socket.connectToHost(address.section(':', 0, 0), quint16(address.section(':', 1).toInt()));
-        EXPECT_TRUE(socket.waitForConnected(kReplyWaitMs));
-        socket.write(codepage::toWin1253(u"&/11/%1//0/0///////////"_s.arg(table)));
-        QByteArray reply;
-        if (socket.waitForReadyRead(kReplyWaitMs)) {
-            reply += socket.readAll();
-            while (socket.waitForReadyRead(kReplySilenceMs))
-                reply += socket.readAll();
-        }
-        socket.disconnectFromHost();
-        const QStringList fields = codepage::fromWin1253(reply).trimmed().split(QLatin1Char('/'));
-        EXPECT_EQ(fields.value(0), "00") << reply.toStdString();
-        std::set<Item> items;
-        for (qsizetype i = 4; i < fields.size() - 1; ++i) {
-            const QStringList sub = fields[i].split(QLatin1Char('|'));
-            items.insert({sub.value(1).toInt(), sub.value(0).toInt()});
-        }
-        return items;
-    }
-
-    // The rows of the order store on table, read with the test's own connection.
-    std::set<Item> storeItems(int table)
-    {
-        std::set<Item> items;
-        const QStringList stores = QDir(dir.path()).entryList({"*_Orders.sqlite"}, QDir::Files);
-        if (stores.isEmpty())
-            return items;
-        EXPECT_EQ(stores.size(), 1) << stores.join(", ").toStdString();
-        const QString name = QUuid::createUuid().toString();
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
-            db.setDatabaseName(path(stores.first()));
-            EXPECT_TRUE(db.open());
-            QSqlQuery query(db);
-            query.prepare(u"SELECT itemUID, tableORDER FROM ecrOrders WHERE tableNUM = ?"_s);
-            query.addBindValue(table);
-            EXPECT_TRUE(query.exec());
-            while (query.next())
-                items.insert({query.value(0).toInt(), query.value(1).toInt()});
-        }
-        QSqlDatabase::removeDatabase(name);
-        return items;
-    }
+    std::set<TableItemKey> registerItems(int table) { return registerTableItems(sim.portField(), table); }
+    std::set<TableItemKey> storeItems(int table) { return storeTableItems(dir.path(), table); }
 
     void expectInStep(std::initializer_list<int> tables, const char* after)
     {
