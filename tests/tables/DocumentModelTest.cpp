@@ -34,7 +34,7 @@ bool answerRegister(const QString& command, ScriptedLink::Answer& a)
     return true;
 }
 
-TEST(DocumentModel, BuildsTheDocumentFromTheRegistersAnswers)
+TEST(DocumentModel, BuildsTheDocumentFromTheRegistersAnswersAndAsksNoTableForTableZero)
 {
     for (const QLocale& locale : {kGreek, kEnglish}) {
         ScriptedLink link;
@@ -46,6 +46,13 @@ TEST(DocumentModel, BuildsTheDocumentFromTheRegistersAnswers)
         EXPECT_EQ(doc.ReadTableAmount(7), locale == kGreek ? "14,75" : "14.75");
         EXPECT_DOUBLE_EQ(doc.ReadRemainingAmount(), 18.6);
     }
+
+    // No table means no table query.
+    ScriptedLink link;
+    link.responder = answerRegister;
+    const clsDocData d = mDocData(link).BuildDocData(0);
+    EXPECT_EQ(std::tuple(d.ordAmount, d.ordNumber), std::tuple(0.0, -1));
+    EXPECT_EQ(link.commands(), QStringList({"9/", "i/"}));
 }
 
 TEST(DocumentModel, ARegisterThatRefusesEverythingYieldsMinusOneAndZero)
@@ -60,16 +67,6 @@ TEST(DocumentModel, ARegisterThatRefusesEverythingYieldsMinusOneAndZero)
     EXPECT_EQ(doc.ReadRemainingAmount(), 0.0);
     EXPECT_EQ(link.commands(),
               QStringList({"9/", "i/", "&/11/7//0/0///////////", "&/11/7//0/0///////////", "9/"}));
-}
-
-TEST(DocumentModel, NoTableMeansNoTableQuery)
-{
-    ScriptedLink link;
-    link.responder = answerRegister;
-    mDocData doc(link);
-    const clsDocData d = doc.BuildDocData(0);
-    EXPECT_EQ(std::tuple(d.ordAmount, d.ordNumber), std::tuple(0.0, -1));
-    EXPECT_EQ(link.commands(), QStringList({"9/", "i/"}));
 }
 
 TEST(DocumentModel, AReceiptNumberThatIsNoNumberIsNotRead)

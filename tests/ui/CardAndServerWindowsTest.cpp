@@ -3,24 +3,20 @@
 // and the engine's call answered each time.
 #include "DataFile.h"
 #include "PrintQString.h"
-#include "WindowTestSupport.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
+#include "WindowTestSupport.h"
 #include "payments/PaymentMap.h"
+#include "ui/AboutBox.h"
 #include "shell/ModuleVariables.h"
-#include "config/ParamFileWriter.h"
-#include "ui/GuiOperator.h"
-#include "ui/KerbanoGui.h"
-#include "ui/MainWindow.h"
 #include "ui/frmEFT.h"
 #include "ui/frmEFTSelect.h"
 #include "ui/frmsvr.h"
 
 #include <QCheckBox>
-#include <QDate>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QThread>
 #include <gtest/gtest.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -211,15 +207,42 @@ TEST_F(CardAndServerWindows, AProgramEndingClosesAWaitingWindowAndAnswersLaterOn
     EXPECT_EQ(map.form(), nullptr);
 }
 
-// The window life hands its windows to the engine: the menu entry opens the
-// dialog, not the Operator's list question. (With the link failed at the
-// start, s8 is the one of the three the menu leaves open.)
-TEST(CardAndServerWindowsInTheWindowLife, TheBatchEntryOpensFrmEFTSelectAndACancelSendsNothing)
+// The window life on a dead link: the window's clicks reach the engine's
+// thread as names, and one chosen while another action runs waits behind it,
+// never inside it. The life hands its windows to the engine: the menu entry
+// opens the dialog, not the Operator's list question. (With the link failed at
+// the start, s8 is the one of the three the menu leaves open.)
+TEST(CardAndServerWindowsInTheWindowLife, AnEntryWaitsBehindARunningOneAndTheBatchEntryOpensFrmEFTSelect)
 {
     QTemporaryDir dir;
     DeadLinkWindowLife life(dir.path());
     KerbanoGui& gui = life.gui();
     ASSERT_TRUE(life.failed());
+    EXPECT_EQ(life.boxes.size(), 1); // the link's message box, answered with OK
+
+    // A long action on the engine thread that lets its event loop breathe, as a job does.
+    std::atomic<bool> release{false};
+    std::atomic<bool> running{false};
+    std::atomic<Qt::HANDLE> ranOn{nullptr};
+    gui.engine().post([&](Driver& d) {
+        d.actions().setHandler(u"param"_s, [&] {
+            ranOn = QThread::currentThreadId();
+            running = true;
+            while (!release)
+                QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+            running = false;
+        });
+    });
+    emit gui.window().actionRequested(u"param"_s);
+    ASSERT_TRUE(waitFor([&] { return running.load(); }));
+    EXPECT_NE(ranOn.load(), QThread::currentThreadId());
+    emit gui.window().actionRequested(u"about"_s);
+    waitFor([] { return false; }, 300);
+    EXPECT_EQ(gui.aboutBox(), nullptr); // waits behind the running action
+    release = true;
+    ASSERT_TRUE(waitFor([&] { return gui.aboutBox() != nullptr; }));
+    EXPECT_FALSE(running.load());
+    EXPECT_EQ(gui.aboutBox()->windowTitle(), "Περι Kerbano");
 
     // Every read of the closed link is refused with its box; the dialog opens all the same.
     At at;

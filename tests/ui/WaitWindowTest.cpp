@@ -10,16 +10,11 @@
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
 #include "shell/ResultSink.h"
-#include "ui/GuiOperator.h"
 #include "ui/WaitWindow.h"
 
-#include <QAbstractButton>
-#include <QApplication>
 #include <QScreen>
-#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QThread>
-#include <QTimer>
 #include <gtest/gtest.h>
 #include <map>
 

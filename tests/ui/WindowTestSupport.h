@@ -40,14 +40,6 @@ W* get(const QWidget* window, const char* name)
     return window ? window->findChild<W*>(QString::fromLatin1(name)) : nullptr;
 }
 
-inline QStringList rows(const QComboBox* list)
-{
-    QStringList out;
-    for (int i = 0; i < list->count(); ++i)
-        out << list->itemText(i);
-    return out;
-}
-
 // Every label, button, entry, frame title and list of a window, one a line
 // in the order they were made: "name: text", a list's rows and "@" its row, "[x]"
 // when checked, "[off]" when disabled.
@@ -66,8 +58,11 @@ inline QStringList shown(const QWidget* window)
             text = e->text();
         else if (const auto* g = qobject_cast<const QGroupBox*>(w))
             text = g->title();
-        else if (const auto* c = qobject_cast<const QComboBox*>(w))
-            text = rows(c).join(u'|') + QStringLiteral(" @%1").arg(c->currentIndex());
+        else if (const auto* c = qobject_cast<const QComboBox*>(w)) {
+            for (int i = 0; i < c->count(); ++i)
+                text += (i ? QStringLiteral("|") : QString()) + c->itemText(i);
+            text += QStringLiteral(" @%1").arg(c->currentIndex());
+        }
         else
             continue;
         out << w->objectName() + QStringLiteral(": ") + text + (w->isEnabled() ? QString() : QStringLiteral(" [off]"));
