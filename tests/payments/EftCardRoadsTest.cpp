@@ -134,12 +134,13 @@ TEST_F(EftCardRoadsTest, ABusyTerminalGetsThreeSecondsAndANoContactIsAPlainNextA
 
 TEST_F(EftCardRoadsTest, OnlyTheStatusesOfATakenPaymentAreQueriedOthersTryAgainAtOnce)
 {
-    cardStatuses = {0xBC, 193, 207};
+    // 201 is a table's closing: on a receipt it is one more refusal.
+    cardStatuses = {0xBC, 201, 193, 207};
     terminal = {"TRANSACTION WAS DECLINED", "TRANSACTION WAS DECLINED"};
-    roads.payInReceipt(cardRecord(2, 0), 2.0, QString(), u"T"_s);
-    EXPECT_EQ(link.commands(), (QStringList{"5/3/2.00////2/1/", "5/3/2.00////2/1/", kQuery,
-                                            "5/3/2.00////2/1/", kQuery}));
-    EXPECT_EQ(busyAtCard, (QList<bool>{true, true, true}));
+    roads.payInReceipt(cardRecord(3, 0), 2.0, QString(), u"T"_s);
+    const QString card = u"5/3/2.00////2/1/"_s;
+    EXPECT_EQ(link.commands(), (QStringList{card, card, card, kQuery, card, kQuery}));
+    EXPECT_EQ(busyAtCard, (QList<bool>{true, true, true, true}));
 }
 
 TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgainUnlearnt)
@@ -203,6 +204,12 @@ TEST_F(EftCardRoadsTest, APreCollectionIsADocumentEachAttemptAndClosesAtZeroWhen
         + opening + QStringList{"5/3/20.00/VISA///2/1/", kQuery, "5/1/0.00////", "5/1/0.00////"};
     EXPECT_EQ(link.commands(), expected);
     EXPECT_FALSE(vars.EftFallbackUsed); // no alternative on this road
+
+    // Approved: nothing is left open, so no closing at zero.
+    link.sent.clear();
+    terminal.clear();
+    roads.payInReceipt(r, 20.0, u"VISA"_s, u"ΤΔΑ-17"_s);
+    EXPECT_EQ(link.commands(), (opening + QStringList{"5/3/20.00/VISA///2/1/", kQuery}));
 
     // A reference the register refuses sends no card command in that attempt.
     link.sent.clear();
