@@ -1,11 +1,11 @@
 #include "reports/SendMail.h"
 
+#include "MailText.h"
 #include "PrintQString.h"
 #include "SmtpPeer.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>
-#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -30,27 +30,6 @@ QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArra
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(content);
     return path;
-}
-
-QByteArray base64After(const QByteArray& message, const QByteArray& marker)
-{
-    const qsizetype at = message.indexOf(marker);
-    if (at < 0)
-        return {};
-    const qsizetype start = message.indexOf("\r\n\r\n", at) + 4;
-    return QByteArray::fromBase64(message.mid(start, message.indexOf("\r\n--", start) - start));
-}
-
-QString subjectOf(const QByteArray& message)
-{
-    static const QRegularExpression word(QStringLiteral("=\\?UTF-8\\?B\\?([A-Za-z0-9+/=]*)\\?="));
-    const qsizetype at = message.indexOf("\r\nSubject: ");
-    const qsizetype end = message.indexOf("\r\nMessage-ID:", at);
-    QByteArray bytes;
-    auto it = word.globalMatch(QString::fromLatin1(message.mid(at, end - at)));
-    while (it.hasNext())
-        bytes += QByteArray::fromBase64(it.next().captured(1).toLatin1());
-    return QString::fromUtf8(bytes);
 }
 
 // A port where nobody listens, for the moment.
@@ -87,9 +66,10 @@ TEST(SendMail, GreekMailWithAttachmentReachesEveryReceiverWithoutLogin)
               (QVariantList{QStringLiteral("z@acct.gr"), QStringLiteral("copy@acct.gr")}));
     EXPECT_TRUE(envelope[QStringLiteral("login")].isNull());
     const QByteArray message = peer.message(1);
-    EXPECT_EQ(subjectOf(message), request.subject);
-    EXPECT_EQ(QString::fromUtf8(base64After(message, "text/plain; charset=UTF-8")), request.body);
-    EXPECT_EQ(base64After(message, "filename=\"Z0123.out\""), content);
+    const qsizetype subject = message.indexOf("\r\nSubject: ");
+    EXPECT_EQ(decodeHeaderWords(message.mid(subject, message.indexOf("\r\nMessage-ID:") - subject)), request.subject);
+    EXPECT_EQ(QString::fromUtf8(QByteArray::fromBase64(partPayload(message, "text/plain; charset=UTF-8"))), request.body);
+    EXPECT_EQ(QByteArray::fromBase64(partPayload(message, "filename=\"Z0123.out\"")), content);
 }
 
 TEST(SendMail, LogsInOnlyWhenMailIniNamesAUser)

@@ -3,6 +3,7 @@
 #include "reports/ZMail.h"
 
 #include "PrintQString.h"
+#include "RecordedSends.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
 #include "WaitFor.h"
@@ -20,7 +21,6 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
-#include <mutex>
 
 namespace {
 
@@ -47,20 +47,6 @@ bool dayAnswer(const QString& command, ScriptedLink::Answer& a)
     return true;
 }
 
-struct RecordedMails {
-    std::mutex mutex;
-    QList<MailRequest> requests;
-
-    MailSender::SendFunction function()
-    {
-        return [this](const MailRequest& request) {
-            const std::lock_guard lock(mutex);
-            requests.append(request);
-            return MailOutcome{-1, QStringLiteral("ο server δεν απαντά")};
-        };
-    }
-};
-
 class ZFileRunTest : public ::testing::Test {
 protected:
     QTemporaryDir dir;
@@ -71,7 +57,7 @@ protected:
     FormModel form;
     clsind progress{form};
     VirtualClock clock;
-    RecordedMails mails;
+    RecordedSends mails;
     ZMail mail{person, clock, vars, dir.path(), mails.function()};
     ZFileRun run{link, receipt, vars, form, person, progress, dir.path()};
     QStringList statusLines;
@@ -79,6 +65,7 @@ protected:
     void SetUp() override
     {
         run.setMail(&mail);
+        mails.answer = {-1, QStringLiteral("ο server δεν απαντά")};
         link.responder = dayAnswer;
         QObject::connect(&form, &FormModel::statusLineChanged, [this](const QString& s) { statusLines << s; });
     }

@@ -2,6 +2,7 @@
 #include "reports/ZMail.h"
 
 #include "PrintQString.h"
+#include "RecordedSends.h"
 #include "ScriptedOperator.h"
 #include "WaitFor.h"
 #include "shell/Clock.h"
@@ -18,7 +19,6 @@
 
 #include <atomic>
 #include <future>
-#include <mutex>
 
 namespace {
 
@@ -36,21 +36,6 @@ public:
 
 private:
     mutable int readings_ = 0;
-};
-
-struct RecordedSends {
-    std::mutex mutex;
-    QList<MailRequest> requests;
-    MailOutcome answer;
-
-    MailSender::SendFunction function()
-    {
-        return [this](const MailRequest& request) {
-            const std::lock_guard lock(mutex);
-            requests.append(request);
-            return answer;
-        };
-    }
 };
 
 // A ZMail whose sends are recorded, with the operator, clock and variables it talks to.
