@@ -2,6 +2,7 @@
 #include "reports/ZFileRun.h"
 #include "reports/ZMail.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
 #include "RecordedSends.h"
 #include "ScriptedLink.h"
@@ -28,22 +29,11 @@ namespace {
 // unless told to.
 bool dayAnswer(const QString& command, ScriptedLink::Answer& a)
 {
-    if (command == "e/")
-        a = {0, "00/00/00/24.00/13.00/6.00/0.00/17.00/"};
-    else if (command == "0/")
-        a = {0, "00/00/00/12.40/0.00/0.00/0.00/0.00/12.40/1/9/0.00/0.00/0.00/"};
-    else if (command == "i/")
-        a = {0, "00/00/00/1/9/42/10/"};
-    else if (command == "t/")
-        a = {0, "00/00/00/03-01-2026/231507/"};
-    else if (command.startsWith("d/"))
-        a = {0, "00/00/00/ΚΑΦΕΣ/1/1/0.00/0/1/12.40/"};
-    else if (command == "a/")
-        a = {0, "00/00/00/12345678/1/TEC/"};
-    else if (command == "s/")
-        a = {0, "00/00/00/0/0/42/0/9/0.00/0/TEC12345678/999999999/"};
-    else
-        a = {0, "00/00/00/"};
+    static const QStringList day = DataLines(QStringLiteral("reports/zfile-run-day.txt"));
+    a = {0, QStringLiteral("00/00/00/")};
+    for (const QString& line : day)
+        if (command.startsWith(line.section(u'\t', 0, 0)))
+            a.reply = line.section(u'\t', 1);
     return true;
 }
 
