@@ -71,17 +71,8 @@ TEST(ParamFileReader, AWrittenFileReadsBackToTheSameSettings)
 
 TEST(ParamFileReader, HandEditedFileReadsAsTheColumnsSay)
 {
-    const QString text = QStringLiteral(
-        "[port]  com2\n"                                   // two blanks: the value starts one early
-        "[baud] 9600 fast\r\n"
-        "[file] 123456789012345678901234567890TOO LONG\r\n"
-        "[multi type] TRUE\r\n"
-        " [comments] true\r\n"                             // something in front: no key
-        "[currency]=1\r\n[currency]=0\r\n"                  // the last line wins
-        "[Defacto_]=12\r\n"
-        "# [time] 5\r\n"
-        "[autostar]=YES please\r\n"
-        "[spRet   ]=1\r\n[eMail   ]=a@b.gr\r\n[ZeMail  ]=1\r\n");
+    QStringList lines = golden(QStringLiteral("config/param-hand-edited.txt"), QStringLiteral("param.ini"));
+    const QString text = lines.takeFirst() + u'\n' + lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n");
     const ParamSettings start = readParamText(text, ParamReader::Start);
     EXPECT_EQ((QStringList{start.port, start.baud, start.job.file, start.job.multiType, start.job.comments,
                            start.job.currency, start.job.time}),

@@ -1,5 +1,7 @@
 #include "config/RegionalNumber.h"
 
+#include "DataFile.h"
+#include "PrintQString.h"
 #include "ScriptedOperator.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +11,16 @@ namespace {
 const QLocale kGreek(QLocale::Greek, QLocale::Greece);      // "," decimal, "." thousands
 const QLocale kEnglish(QLocale::English, QLocale::UnitedStates); // "." decimal, "," thousands
 
+// The cases of one section of the numbers' data, each split at its tabs; "# " opens a note.
+QList<QStringList> cases(const QString& section)
+{
+    QList<QStringList> rows;
+    for (const QString& line : golden(QStringLiteral("config/regional-numbers.txt"), section))
+        if (!line.startsWith(QLatin1String("# ")))
+            rows << line.split(u'\t');
+    return rows;
+}
+
 class UnderBothLocales : public ::testing::TestWithParam<QLocale> {};
 
 INSTANTIATE_TEST_SUITE_P(Regional, UnderBothLocales, ::testing::Values(kGreek, kEnglish),
@@ -16,63 +28,36 @@ INSTANTIATE_TEST_SUITE_P(Regional, UnderBothLocales, ::testing::Values(kGreek, k
 
 TEST_P(UnderBothLocales, DeviceNumbersAlwaysCarryAPointAndRoundHalvesAwayFromZero)
 {
-    const QLocale locale = GetParam();
-    struct Case {
-        double value;
-        int decimals;
-        const char* text;
-    } cases[] = {
-        {1234.5, 2, "1234.50"},  {1234.5, 3, "1234.500"}, {0.005, 2, "0.01"},
-        {0.125, 2, "0.13"},      {-0.125, 2, "-0.13"},    {1.005, 2, "1.00"}, // held as 1.00499...
-        {0.0, 3, "0.000"},       {0.4, 2, "0.40"},        {999.995, 2, "1000.00"},
-        {9.9996, 3, "10.000"},   {-5.0, 2, "-5.00"},      {1234567.891, 2, "1234567.89"},
-        {24.0, 0, "24"},         {6.5, 0, "6.5"},
-        // A negative value keeps its sign even when it rounds to nothing.
-        {-0.004, 2, "-0.00"},    {-0.005, 2, "-0.01"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(FormatDeviceNumber(c.value, c.decimals, locale), QString::fromLatin1(c.text))
-            << c.value << " with " << c.decimals;
+    const QList<QStringList> rows = cases(QStringLiteral("device"));
+    ASSERT_EQ(rows.size(), 16);
+    for (const QStringList& c : rows)
+        EXPECT_EQ(FormatDeviceNumber(c[0].toDouble(), c[1].toInt(), GetParam()), c[2]) << c.join(u' ').toStdString();
 }
 
 TEST_P(UnderBothLocales, ParsingTakesTheRightmostMarkAsDecimalAndEmptyTextIsZero)
 {
-    const QLocale locale = GetParam();
     ScriptedOperator op;
-    struct Case {
-        const char* text;
-        double value;
-    } cases[] = {
-        {"1.234,50", 1234.5}, {"1,234.50", 1234.5}, {"1,234", 1.234},   {"1.234", 1.234},
-        {"-12,5", -12.5},     {" 7 ", 7.0},         {"1 5", 1.5},       {"##12.30#", 12.3},
-        {"1.234.567,8", 1234567.8}, {"42", 42.0},   {"-0.01", -0.01},   {"", 0.0},
-        {"#", 0.0},
-    };
-    for (const auto& c : cases)
-        EXPECT_DOUBLE_EQ(ParseRegionalNumber(QString::fromUtf8(c.text), &op, locale), c.value)
-            << c.text;
+    const QList<QStringList> rows = cases(QStringLiteral("parse"));
+    ASSERT_EQ(rows.size(), 13);
+    for (const QStringList& c : rows)
+        EXPECT_DOUBLE_EQ(ParseRegionalNumber(c[0], &op, GetParam()), c[1].toDouble()) << c[0].toStdString();
     EXPECT_TRUE(op.messages.isEmpty());
-}
 
-TEST_P(UnderBothLocales, TextThatIsNoNumberTellsTheOperatorAndReadsZero)
-{
-    ScriptedOperator op;
     EXPECT_EQ(ParseRegionalNumber(QStringLiteral("abc"), &op, GetParam()), 0.0);
     ASSERT_EQ(op.messages.size(), 1);
-    EXPECT_EQ(op.messages[0].title, QStringLiteral("Fiscal Device"));
-    EXPECT_EQ(op.messages[0].text,
-              QStringLiteral("Unsupported Decimal/Thousand seperator in Regional Settings\r"
-                             "values read are set to  '0'"));
-    EXPECT_EQ(op.messages[0].icon, Operator::Icon::Warning);
+    EXPECT_EQ(std::tuple(op.messages[0].title, op.messages[0].text, op.messages[0].icon),
+              std::tuple(QStringLiteral("Fiscal Device"),
+                         QStringLiteral("Unsupported Decimal/Thousand seperator in Regional Settings\r"
+                                        "values read are set to  '0'"),
+                         Operator::Icon::Warning));
 }
 
 TEST(NormaliseNumberText, KeepsDigitsAndSignsAndRewritesTheMarks)
 {
-    EXPECT_EQ(NormaliseNumberText("1.234,50", ",", "."), "1.234,50");
-    EXPECT_EQ(NormaliseNumberText("1,234.50", ",", "."), "1.234,50");
-    EXPECT_EQ(NormaliseNumberText("1'234'567.5", ".", ","), "1,234,567.5");
-    EXPECT_EQ(NormaliseNumberText("-3 5", ".", " "), "-3.5");
-    EXPECT_EQ(NormaliseNumberText("1 234,5", ",", " "), "1234,5"); // a blank thousand mark vanishes
+    const QList<QStringList> rows = cases(QStringLiteral("normalise"));
+    ASSERT_EQ(rows.size(), 5);
+    for (const QStringList& c : rows)
+        EXPECT_EQ(NormaliseNumberText(c[0], c[1], c[2]), c[3]) << c[0].toStdString();
 }
 
 } // namespace

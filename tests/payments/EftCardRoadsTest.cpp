@@ -52,12 +52,17 @@ protected:
     // Statuses the card commands answer, in order; 0 once they run out.
     QList<qint16> cardStatuses;
     QList<bool> busyAtCard;
+    // When set, every outcome query gets this answer instead.
+    std::optional<ScriptedLink::Answer> queryAnswer;
 
     void SetUp() override
     {
         link.responder = [this](const QString& command, ScriptedLink::Answer& answer) {
             if (command == kQuery) {
-                answer.reply = queryReply(terminal.isEmpty() ? u"APPROVED"_s : terminal.takeFirst());
+                if (queryAnswer)
+                    answer = *queryAnswer;
+                else
+                    answer.reply = queryReply(terminal.isEmpty() ? u"APPROVED"_s : terminal.takeFirst());
                 return true;
             }
             if (command.endsWith(QLatin1String("/2/1/"))) {
@@ -134,15 +139,16 @@ TEST_F(EftCardRoadsTest, ABusyTerminalGetsThreeSecondsAndANoContactIsAPlainNextA
 
 TEST_F(EftCardRoadsTest, OnlyTheStatusesOfATakenPaymentAreQueriedOthersTryAgainAtOnce)
 {
-    cardStatuses = {0xBC, 193, 207};
+    // 201 is a table's closing: on a receipt it is one more refusal.
+    cardStatuses = {0xBC, 201, 193, 207};
     terminal = {"TRANSACTION WAS DECLINED", "TRANSACTION WAS DECLINED"};
-    roads.payInReceipt(cardRecord(2, 0), 2.0, QString(), u"T"_s);
-    EXPECT_EQ(link.commands(), (QStringList{"5/3/2.00////2/1/", "5/3/2.00////2/1/", kQuery,
-                                            "5/3/2.00////2/1/", kQuery}));
-    EXPECT_EQ(busyAtCard, (QList<bool>{true, true, true}));
+    roads.payInReceipt(cardRecord(3, 0), 2.0, QString(), u"T"_s);
+    const QString card = u"5/3/2.00////2/1/"_s;
+    EXPECT_EQ(link.commands(), (QStringList{card, card, card, kQuery, card, kQuery}));
+    EXPECT_EQ(busyAtCard, (QList<bool>{true, true, true, true}));
 }
 
-TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgainUnlearnt)
+TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgainUnlearntNorOnAnEmptyList)
 {
     // The register tells: the terminal declined, so the next attempt may go.
     cardStatuses = {-4};
@@ -154,33 +160,20 @@ TEST_F(EftCardRoadsTest, ALostAnswerAsksTheOutcomeFirstAndNeverSendsTheCardAgain
     // The register cannot tell: no card command, no alternative, the operator told.
     link.sent.clear();
     cardStatuses = {-4};
-    link.responder = [first = link.responder](const QString& command, ScriptedLink::Answer& a) {
-        if (command == kQuery) {
-            a.status = -4;
-            return true;
-        }
-        return first(command, a);
-    };
+    queryAnswer = ScriptedLink::Answer{-4, {}};
     roads.payInReceipt(cardRecord(3, 1), 3.0, QString(), u"T"_s);
     EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery}));
     ASSERT_EQ(op.messages.size(), 1);
     EXPECT_TRUE(op.messages[0].text.startsWith(u"Άγνωστη έκβαση πληρωμής με κάρτα"_s));
     EXPECT_EQ(std::tuple(vars.EftBusy, vars.EftFallbackUsed), std::tuple(false, false));
-}
 
-TEST_F(EftCardRoadsTest, ALostAnswerIsNoApprovalWhenTheRegisterListsNoTransaction)
-{
+    // An empty list reads as approved, yet it is no approval.
+    link.sent.clear();
     cardStatuses = {-207};
-    link.responder = [first = link.responder](const QString& command, ScriptedLink::Answer& a) {
-        if (command == kQuery) {
-            a.reply = u"00/00/00/0/"_s;
-            return true;
-        }
-        return first(command, a);
-    };
+    queryAnswer = ScriptedLink::Answer{0, u"00/00/00/0/"_s};
     roads.payInReceipt(cardRecord(2, 1), 3.0, QString(), u"T"_s);
     EXPECT_EQ(link.commands(), (QStringList{"5/3/3.00////2/1/", kQuery}));
-    EXPECT_EQ(op.messages.size(), 1);
+    EXPECT_EQ(op.messages.size(), 2);
 }
 
 TEST_F(EftCardRoadsTest, APayLineReadsTheBalanceForTheCardAndAgainForTheAlternative)
@@ -203,6 +196,12 @@ TEST_F(EftCardRoadsTest, APreCollectionIsADocumentEachAttemptAndClosesAtZeroWhen
         + opening + QStringList{"5/3/20.00/VISA///2/1/", kQuery, "5/1/0.00////", "5/1/0.00////"};
     EXPECT_EQ(link.commands(), expected);
     EXPECT_FALSE(vars.EftFallbackUsed); // no alternative on this road
+
+    // Approved: nothing is left open, so no closing at zero.
+    link.sent.clear();
+    terminal.clear();
+    roads.payInReceipt(r, 20.0, u"VISA"_s, u"ΤΔΑ-17"_s);
+    EXPECT_EQ(link.commands(), (opening + QStringList{"5/3/20.00/VISA///2/1/", kQuery}));
 
     // A reference the register refuses sends no card command in that attempt.
     link.sent.clear();

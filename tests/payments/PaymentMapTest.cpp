@@ -1,5 +1,7 @@
 #include "payments/PaymentMap.h"
 
+#include "DataFile.h"
+#include "PrintQString.h"
 #include "ScriptedOperator.h"
 
 #include <QDir>
@@ -17,9 +19,14 @@ protected:
     ScriptedOperator op;
 };
 
-TEST_F(PaymentMapTest, RecordsLieInTheirOwnSlotByteForByte)
+TEST_F(PaymentMapTest, AMissingFileIsMadeEmptyAndRecordsLieInTheirOwnSlotByteForByte)
 {
     PayEftRecord r;
+    r.payId = 3;
+    EXPECT_EQ(ReadPayEftRecord(path, r), 0);
+    EXPECT_TRUE(QFile::exists(path));
+    EXPECT_EQ(QFile(path).size(), 0);
+
     r.payId = 7;
     r.ecrPayment = 3;
     r.ecrEft = 2;
@@ -58,15 +65,6 @@ TEST_F(PaymentMapTest, SlotsNeverWrittenAreOrdinaryPayments)
     EXPECT_TRUE(op.messages.isEmpty());
 }
 
-TEST_F(PaymentMapTest, AMissingFileIsMadeEmptyOnFirstRead)
-{
-    PayEftRecord r;
-    r.payId = 3;
-    EXPECT_EQ(ReadPayEftRecord(path, r), 0);
-    EXPECT_TRUE(QFile::exists(path));
-    EXPECT_EQ(QFile(path).size(), 0);
-}
-
 TEST_F(PaymentMapTest, AnUnreadableMapOrABadNumberIsToldAndCountsAsNotActive)
 {
     PaymentMapLookup(0, path, op);
@@ -89,26 +87,14 @@ void writeBytes(const QString& path, const QByteArray& bytes)
     ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size());
 }
 
-// A record's 14 bytes, laid out by hand as a damaged or foreign file would hold them.
-QByteArray recordBytes(const PayEftRecord& r)
+// A record's 14 bytes from its seven fields, laid out by hand as a damaged or
+// foreign file would hold them.
+QByteArray recordBytes(const QList<qint16>& fields)
 {
     QByteArray bytes(14, '\0');
-    const qint16 fields[] = {r.payId, r.ecrPayment, r.ecrEft, r.active, r.preCollect, r.retries, r.altPayment};
     for (int i = 0; i < 7; ++i)
-        qToLittleEndian<qint16>(fields[i], bytes.data() + 2 * i);
+        qToLittleEndian<qint16>(fields.value(i), bytes.data() + 2 * i);
     return bytes;
-}
-
-PayEftRecord goodCard(qint16 payId)
-{
-    PayEftRecord r;
-    r.payId = payId;
-    r.ecrPayment = 3;
-    r.ecrEft = 12;
-    r.active = -1;
-    r.retries = 2;
-    r.altPayment = 10;
-    return r;
 }
 
 TEST_F(PaymentMapTest, AShortFileReadsZerosBehindItsEndAndAHugeOneOnlyItsSlot)
@@ -119,7 +105,7 @@ TEST_F(PaymentMapTest, AShortFileReadsZerosBehindItsEndAndAHugeOneOnlyItsSlot)
 
     // 10 MB: a record far inside the file is read from its own slot.
     QByteArray big(10 * 1024 * 1024, '\0');
-    big.replace((5000 - 1) * 128, 14, recordBytes(goodCard(5000)));
+    big.replace((5000 - 1) * 128, 14, recordBytes({5000, 3, 12, -1, 0, 2, 10}));
     writeBytes(path, big);
     r = PaymentMapLookup(5000, path, op);
     EXPECT_EQ(std::tuple(r.isActive(), r.ecrEft, r.altPayment), std::tuple(true, qint16(12), qint16(10)));
@@ -129,31 +115,28 @@ TEST_F(PaymentMapTest, AShortFileReadsZerosBehindItsEndAndAHugeOneOnlyItsSlot)
 
 TEST_F(PaymentMapTest, AnActiveRecordWithAFieldOutOfRangeIsAnOrdinaryPaymentToldOnce)
 {
-    using Field = qint16 PayEftRecord::*;
-    const std::pair<Field, qint16> bad[] = {
-        {&PayEftRecord::active, 1},      {&PayEftRecord::active, 0x4141}, {&PayEftRecord::preCollect, 7},
-        {&PayEftRecord::payId, 9},       {&PayEftRecord::ecrPayment, -1}, {&PayEftRecord::ecrPayment, 11},
-        {&PayEftRecord::ecrEft, -3},     {&PayEftRecord::ecrEft, 13},     {&PayEftRecord::retries, -1},
-        {&PayEftRecord::retries, 21},    {&PayEftRecord::altPayment, -2}, {&PayEftRecord::altPayment, 11},
-    };
-    for (const auto& [field, value] : bad) {
-        PayEftRecord written = goodCard(2);
-        written.*field = value;
-        writeBytes(path, QByteArray(128, '\0') + recordBytes(written));
+    const QStringList rows = DataLines(QStringLiteral("payments/payeft-slot-2.txt"));
+    ASSERT_EQ(rows.size(), 12);
+    for (const QString& row : rows) {
+        QList<qint16> fields;
+        for (const QString& field : row.split(u' '))
+            fields << qint16(field.toInt());
+        writeBytes(path, QByteArray(128, '\0') + recordBytes(fields));
         op.messages.clear();
         const PayEftRecord r = PaymentMapLookup(2, path, op);
-        EXPECT_EQ(std::tuple(r.isActive(), r.isPreCollect()), std::tuple(false, false)) << value;
+        EXPECT_EQ(std::tuple(r.isActive(), r.isPreCollect()), std::tuple(false, false)) << row.toStdString();
         ASSERT_EQ(op.messages.size(), 1);
         EXPECT_EQ(op.messages[0].text, "Λάθος παράμετροι πληρωμής 2 στο payeft.dat: η πληρωμή γίνεται χωρίς EFTPOS");
     }
 
     // The edges of every range are good, and an inactive record is never judged.
     op.messages.clear();
-    PayEftRecord edge = goodCard(2);
+    PayEftRecord edge;
+    edge.payId = 2;
+    edge.active = -1;
     edge.ecrPayment = 10;
     edge.ecrEft = 0; // "Ανενεργό" on the window: the register refuses it at each attempt
     edge.retries = 20;
-    edge.altPayment = 0;
     edge.preCollect = -1;
     ASSERT_EQ(WritePayEftRecord(path, edge), 0);
     EXPECT_TRUE(PaymentMapLookup(2, path, op).isPreCollect());

@@ -2,7 +2,9 @@
 #include "reports/ZFileRun.h"
 #include "reports/ZMail.h"
 
+#include "DataFile.h"
 #include "PrintQString.h"
+#include "RecordedSends.h"
 #include "ScriptedLink.h"
 #include "ScriptedOperator.h"
 #include "WaitFor.h"
@@ -20,7 +22,6 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
-#include <mutex>
 
 namespace {
 
@@ -28,38 +29,13 @@ namespace {
 // unless told to.
 bool dayAnswer(const QString& command, ScriptedLink::Answer& a)
 {
-    if (command == "e/")
-        a = {0, "00/00/00/24.00/13.00/6.00/0.00/17.00/"};
-    else if (command == "0/")
-        a = {0, "00/00/00/12.40/0.00/0.00/0.00/0.00/12.40/1/9/0.00/0.00/0.00/"};
-    else if (command == "i/")
-        a = {0, "00/00/00/1/9/42/10/"};
-    else if (command == "t/")
-        a = {0, "00/00/00/03-01-2026/231507/"};
-    else if (command.startsWith("d/"))
-        a = {0, "00/00/00/ΚΑΦΕΣ/1/1/0.00/0/1/12.40/"};
-    else if (command == "a/")
-        a = {0, "00/00/00/12345678/1/TEC/"};
-    else if (command == "s/")
-        a = {0, "00/00/00/0/0/42/0/9/0.00/0/TEC12345678/999999999/"};
-    else
-        a = {0, "00/00/00/"};
+    static const QStringList day = DataLines(QStringLiteral("reports/zfile-run-day.txt"));
+    a = {0, QStringLiteral("00/00/00/")};
+    for (const QString& line : day)
+        if (command.startsWith(line.section(u'\t', 0, 0)))
+            a.reply = line.section(u'\t', 1);
     return true;
 }
-
-struct RecordedMails {
-    std::mutex mutex;
-    QList<MailRequest> requests;
-
-    MailSender::SendFunction function()
-    {
-        return [this](const MailRequest& request) {
-            const std::lock_guard lock(mutex);
-            requests.append(request);
-            return MailOutcome{-1, QStringLiteral("ο server δεν απαντά")};
-        };
-    }
-};
 
 class ZFileRunTest : public ::testing::Test {
 protected:
@@ -71,7 +47,7 @@ protected:
     FormModel form;
     clsind progress{form};
     VirtualClock clock;
-    RecordedMails mails;
+    RecordedSends mails;
     ZMail mail{person, clock, vars, dir.path(), mails.function()};
     ZFileRun run{link, receipt, vars, form, person, progress, dir.path()};
     QStringList statusLines;
@@ -79,6 +55,7 @@ protected:
     void SetUp() override
     {
         run.setMail(&mail);
+        mails.answer = {-1, QStringLiteral("ο server δεν απαντά")};
         link.responder = dayAnswer;
         QObject::connect(&form, &FormModel::statusLineChanged, [this](const QString& s) { statusLines << s; });
     }
