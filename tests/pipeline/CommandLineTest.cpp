@@ -35,42 +35,6 @@ TEST_F(EngineTest, CommandLineWithSixFlagsEndsAtOnceWithoutAWord)
     EXPECT_TRUE(form.comstattxt().isEmpty());
 }
 
-TEST_F(EngineTest, CommandLinePrintsItsOneFileDeletesItAndEnds)
-{
-    QString batch;
-    parts.startBatchFile_ = [&](const QString& path) { batch = path; };
-    put(u"print.txt"_s, "tag:  cl\r\n PLU x\r\n");
-    start(u"com1,9600,in\\print.txt,0,TECFP,1111111`"_s);
-    EXPECT_TRUE(engine->hasEnded());
-    EXPECT_EQ(engine->exitCode(), 0);
-    EXPECT_FALSE(QFile::exists(inPath(u"print.txt"_s)));
-    EXPECT_EQ(resultLines().first(), u"tag = cl"_s);
-    EXPECT_EQ(resultLines().last(), u"exitcode = 0"_s);
-    EXPECT_FALSE(link.connected);
-    EXPECT_EQ(engine->timer1().intervalMs, 1000);
-    EXPECT_TRUE(batch.endsWith(u"kerbano/cop2ker.bat"_s));
-    EXPECT_EQ(printer->ops, QStringList{"initialize"});
-}
-
-TEST_F(EngineTest, CommandLineGivesUpOnASilentRegisterAndKeepsTheFileUnprinted)
-{
-    link.openStatus = -1;
-    link.openReply = u"Πρόβλημα στην Θύρα :com1"_s;
-    put(u"print.txt"_s, "tag:  silent\r\n");
-    parts.readDeviceVatRates_ = [] { ADD_FAILURE() << "no VAT rates from a closed link"; };
-    initializeStatusAtStart = -4;
-    start(u"com1,9600,in/print.txt,0,TECFP,0000000"_s);
-    EXPECT_EQ(printer->ops.size(), Engine::kCommandLineInitializeAttempts);
-    EXPECT_EQ(clock.totalSleptMs(),
-              (Engine::kCommandLineInitializeAttempts - 1) * Engine::kCommandLineInitializePauseMs);
-    EXPECT_TRUE(engine->hasEnded());
-    EXPECT_EQ(engine->exitCode(), Engine::kExitRegisterSilent);
-    EXPECT_TRUE(QFile::exists(inPath(u"print.txt"_s)));
-    EXPECT_TRUE(resultLines().isEmpty());
-    ASSERT_FALSE(person.messages.isEmpty());
-    EXPECT_TRUE(person.messages.last().text.startsWith(u"Η φορολογική ταμειακή δεν απαντά."_s));
-}
-
 TEST_F(EngineTest, AJobNoteStandsJustBeforeExitcodeAndTheCommandLineEndsWithItsStatus)
 {
     parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {

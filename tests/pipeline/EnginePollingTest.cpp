@@ -94,24 +94,6 @@ TEST_F(EngineTest, PrgFileIsKeptAndPrintedAgainInThePollingWay)
     EXPECT_FALSE(QFile::exists(inPath(u"PRG.1"_s)));
 }
 
-TEST_F(EngineTest, SingleFileWayWaitsForItsFilePrintsItAndEnds)
-{
-    auto params = pollingParams(u"job.prg.1"_s);
-    params.multi_print = false;
-    startPolling(params);
-    int endedWith = -1;
-    QObject::connect(engine.get(), &Engine::ended, [&](int code) { endedWith = code; });
-    engine->timer1Tick();
-    EXPECT_FALSE(engine->hasEnded());
-
-    put(u"job.prg.1"_s, "tag:  single\r\n");
-    engine->timer1Tick();
-    EXPECT_EQ(endedWith, 0);
-    EXPECT_FALSE(link.connected);
-    EXPECT_TRUE(QFile::exists(inPath(u"job.prg.1"_s))); // "PRG.1" in any case stays
-    EXPECT_EQ(resultLines().first(), u"tag = single"_s);
-}
-
 TEST_F(EngineTest, ClosingLinesCarryTheDocumentAndResetTheReceiptState)
 {
     parts.interpretLines_ = walkEach([&](const QString& line, const JobSettings&) {
