@@ -96,82 +96,6 @@ TEST_F(SerialExchangeTest, SilentLineGivesNoEnqAnswerAfterTheEnqWaitAndNoFrame)
         EXPECT_EQ(w.bytes, kEnq);
 }
 
-TEST_F(SerialExchangeTest, RegisterThatNeverRepliesGetsFourFramesThreeSecondsApart)
-{
-    device([](int) {});
-    run("?/");
-    EXPECT_EQ(seen(), "-4 NoReply Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
-    QList<qint64> enqAt, frameAt;
-    for (const auto& w : line.writes)
-        (w.bytes == kEnq ? enqAt : frameAt) << w.atMs;
-    ASSERT_EQ(enqAt.size(), 4);
-    ASSERT_EQ(frameAt.size(), 4);
-    for (int i = 1; i < 4; ++i) {
-        EXPECT_EQ(frameAt[i] - enqAt[i], 50) << i; // the old ENQ answer stands
-        EXPECT_NEAR(double(frameAt[i] - frameAt[i - 1]), 3050.0, 300.0) << i;
-    }
-}
-
-TEST_F(SerialExchangeTest, AReplyInPiecesIsCollectedUntilEtxAndALateNackOrMisplacedEtxSendsTheFrameAgain)
-{
-    struct Case {
-        const char* why;
-        QList<QPair<QByteArray, int>> first;
-        QByteArray second;
-        const char* reply; // null: only the status counts
-        int frames;
-    };
-    const Case cases[] = {
-        {"in pieces", {{"\x02" "00/00", 100}, {"/00/9", 400}, {"/\x03", 900}}, {}, "00/00/00/9/", 1},
-        // The late pieces stay in the buffer ahead of the second reply.
-        {"completed after 3 s", {{"\x02" "00/00/00/", 100}, {"\x03", 3300}}, replyFrame("06/00/00/"), nullptr, 2},
-        {"ETX not the last byte", {{"\x02" "00/00/00/\x03X", 30}}, "\x03", "00/00/00/X", 2},
-        {"NACK", {{"\x15", 30}}, "\x02" "00/\x06" "00/00/\x15\x03", "00/00/00/", 2},
-    };
-    for (const Case& c : cases) {
-        frames = 0;
-        device([&](int n) {
-            if (n == 1)
-                for (const auto& [bytes, delay] : c.first)
-                    line.deliver(bytes, delay);
-            else
-                line.deliver(c.second, 30);
-        });
-        run("?/");
-        EXPECT_EQ(frames, c.frames) << c.why;
-        EXPECT_EQ(status, 0) << c.why;
-        if (c.reply) {
-            EXPECT_EQ(reply, c.reply) << c.why;
-        }
-        clock.advance(10000); // let anything left drain before the next case
-        line.read(4096);
-    }
-}
-
-TEST_F(SerialExchangeTest, OneSilentFrameAtMostWhereACommandMustNotGoOutTwiceBlindlyButNackedFramesGoAgain)
-{
-    device([this](int frame) {
-        if (frame == 1)
-            line.deliver("\x15", 5);
-        else if (frame == 3)
-            line.deliver(replyFrame("00/00/00/"), 5);
-    });
-    const DeviceReply reply = SerialExchange(line, clock, log).run(FrameCommand("4/1.00//A/0/0/1/"), timeout, false, 1);
-    EXPECT_EQ(reply.status(), -4);
-    EXPECT_EQ(reply.outcome(), ReplyOutcome::NoReply);
-    EXPECT_EQ(frames, 2) << "the NACKed frame went again, the silent one did not";
-}
-
-TEST_F(SerialExchangeTest, LongFrameGoesOutInPiecesOf255)
-{
-    device([this](int) { line.deliver(replyFrame("00/00/00/"), 30); });
-    run(QString(296, u'Α'));
-    ASSERT_GE(line.writes.size(), 3);
-    EXPECT_EQ(line.writes[1].bytes.size(), 255);
-    EXPECT_EQ(line.writes[2].bytes.size(), 45);
-    EXPECT_EQ(uchar(line.writes[1].bytes.at(1)), 0xC1);
-}
-
 class TcpExchangeTest : public ExchangeTest {
 protected:
     TcpExchangeTest()
@@ -179,48 +103,15 @@ protected:
         net.RemoteHostIP = "127.0.0.1";
         net.RemotePort = 9101;
     }
-    FakeTransport& open(bool answers = false)
+    FakeTransport& open()
     {
         EXPECT_EQ(net.OpenConnection(), 0);
-        FakeTransport& t = *factory.made.back();
-        if (answers)
-            t.onWrite = [&t](const QByteArray&) { t.deliver("\x02" "00/00/00/\x03", 5); };
-        return t;
+        return *factory.made.back();
     }
     void run(const QString& command) { keep(TcpExchange(net, clock, log).run(command, false)); }
 
     clsNet_TCP net{factory, log, clock, op, vars};
 };
-
-TEST_F(TcpExchangeTest, PlainCommandAndReplyWithoutFrameOrAckAndPaymentsWait200Ms)
-{
-    FakeTransport& t = open(true);
-    run("?/");
-    EXPECT_EQ(seen(), "0 Success 00/00/00/");
-    ASSERT_EQ(t.writes.size(), 1);
-    EXPECT_EQ(t.writes[0].bytes, QByteArray("?/"));
-    EXPECT_EQ(t.writes[0].atMs, 10);
-
-    // With a register that answers at once, a payment takes 200 ms longer.
-    t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/"); };
-    qint64 start = clock.monotonicMs();
-    run("?/");
-    const qint64 poll = clock.monotonicMs() - start;
-    start = clock.monotonicMs();
-    run("5/1/0.00////");
-    EXPECT_EQ(clock.monotonicMs() - start, poll + 200);
-}
-
-TEST_F(TcpExchangeTest, SplitReplyFirstPieceIsTheReplyAndTheRestGoesToTheNextCommand)
-{
-    FakeTransport& t = open();
-    t.deliver("00/00/00/", 20);
-    t.deliver("06/00/00/", 200);
-    run("?/");
-    EXPECT_EQ(seen(), "0 Success 00/00/00/");
-    run("?/");
-    EXPECT_EQ(status, 6);
-}
 
 TEST_F(TcpExchangeTest, AReplyCutByTheNetworkIsOneReplyAndStaleBytesAreDroppedBeforeTheNextCommand)
 {
@@ -280,15 +171,6 @@ TEST_F(TcpExchangeTest, AFailedSendReopensTheConnectionAndFourFailedSendsTellThe
     ASSERT_EQ(op.messages.size(), 4);
     EXPECT_EQ(op.messages[0].title, "Delta [DNT1]");
     EXPECT_EQ(op.messages[0].text, "Λάθος κατά την αποστολή δεδομένων στην θύρα (Ethernet)");
-}
-
-TEST_F(TcpExchangeTest, NothingBeyond2049BytesIsTaken)
-{
-    // The reply comes to the command; what lay in the socket before it would be dropped.
-    FakeTransport& t = open();
-    t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/" + QByteArray(3000, 'x'), 5); };
-    run("?/");
-    EXPECT_EQ(reply.size(), 2049);
 }
 
 } // namespace

@@ -56,27 +56,6 @@ TEST(DecodeReply, EveryRowOfTheCodeTableGivesItsCodeAndTextAndNoOtherCodeHasText
     }
 }
 
-TEST(DeviceReply, FieldsStandByPositionWhateverTheStatus)
-{
-    const DeviceReply sale = DeviceReply::decode(QStringLiteral("00/00/00/1045/3/"), false);
-    EXPECT_TRUE(sale.ok());
-    EXPECT_EQ(sale.text(), "00/00/00/1045/3/");
-    EXPECT_EQ(sale.fieldCount(), 6);
-    EXPECT_EQ(QStringList({sale.field(0), sale.field(3), sale.lastButOneField(), sale.field(9)}),
-              QStringList({"00", "1045", "3", ""}));
-
-    // A refusal carries the register's message, its fields the reply as it came.
-    const DeviceReply refused = DeviceReply::decode(QStringLiteral("\x02" "2C/00/00/7/\x03"), false);
-    EXPECT_EQ(refused.status(), 44);
-    EXPECT_EQ(refused.text(), "Τέλος Χαρτοταινίας  'PAPEREND' !");
-    EXPECT_EQ(refused.field(3), "7");
-
-    // A link failure has the message and no fields.
-    const DeviceReply lost = DeviceReply::linkFailure(-4, QStringLiteral("silent"), ReplyOutcome::NoReply);
-    EXPECT_EQ(lost.fieldCount(), 1);
-    EXPECT_TRUE(lost.lastButOneField().isEmpty());
-}
-
 TEST(DeviceReply, StatusBytesAreReadAsHexadecimal)
 {
     const DeviceReply poll = DeviceReply::decode(QStringLiteral("00/0A/12/"), false);
@@ -89,16 +68,6 @@ TEST(DeviceReply, StatusBytesAreReadAsHexadecimal)
     const DeviceReply odd = DeviceReply::fromStatusAndText(0, QStringLiteral("0/ZZ/1 /"));
     EXPECT_EQ(std::tuple(odd.deviceCode(), odd.statusByte1(), odd.statusByte2()), std::tuple(-1, -1, -1));
     EXPECT_FALSE(odd.statusBitSet(1, 0));
-}
-
-TEST(DeviceReply, AHeldStatusTellsRefusalWaitLossAndSilenceApart)
-{
-    const std::pair<qint16, ReplyOutcome> held[] = {
-        {0, ReplyOutcome::Success}, {6, ReplyOutcome::Refused},   {255, ReplyOutcome::Refused},
-        {207, ReplyOutcome::Busy},  {-4, ReplyOutcome::NoReply}, {-207, ReplyOutcome::LinkLost},
-        {-6, ReplyOutcome::LinkLost}};
-    for (const auto& [status, outcome] : held)
-        EXPECT_EQ(DeviceReply::fromStatusAndText(status, QString()).outcome(), outcome) << status;
 }
 
 } // namespace

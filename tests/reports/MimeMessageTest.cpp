@@ -5,7 +5,6 @@
 #include "PrintQString.h"
 
 #include <QFile>
-#include <QRandomGenerator>
 #include <QTimeZone>
 #include <gtest/gtest.h>
 
@@ -45,23 +44,4 @@ TEST(MimeMessage, HeaderTextFoldsIntoWholeCharacterWordsAndKeepsToOneHeader)
     for (const QByteArray& line : encoded.split('\n'))
         EXPECT_LE(QByteArray("Subject: ").size() + line.size(), 77) << line.constData();
     EXPECT_EQ(decodeHeaderWords(encoded), subject);
-}
-
-TEST(MimeMessage, BinaryAttachmentRoundTripsThroughBase64Lines)
-{
-    QByteArray content(5000, '\0');
-    QRandomGenerator generator(7);
-    for (char& c : content)
-        c = static_cast<char>(generator.bounded(256));
-    MimeMail mail = zMail();
-    mail.attachments = {{QStringLiteral("Z0007.out"), content}, {QStringLiteral("empty.out"), QByteArray()}};
-
-    const QByteArray message = BuildMimeMessage(mail);
-    const QByteArray payload = partPayload(message, "name=\"Z0007.out\"");
-    for (const QByteArray& line : payload.split('\n').mid(0, payload.count('\n')))
-        EXPECT_LE(line.size(), 77); // 76 and the CR
-    EXPECT_FALSE(payload.contains("\n\n"));
-    EXPECT_EQ(QByteArray::fromBase64(payload), content);
-    EXPECT_TRUE(message.contains("filename=\"empty.out\"\r\n\r\n--BOUNDARY--\r\n"));
-    EXPECT_EQ(message.count("--BOUNDARY\r\n"), 3);
 }
