@@ -113,6 +113,30 @@ protected:
     clsNet_TCP net{factory, log, clock, op, vars};
 };
 
+TEST_F(TcpExchangeTest, PlainCommandAndReplyPaymentsWait200MsAndNothingBeyond2049BytesIsTaken)
+{
+    FakeTransport& t = open();
+    t.onWrite = [&t](const QByteArray&) { t.deliver("\x02" "00/00/00/\x03", 5); };
+    run("?/");
+    EXPECT_EQ(seen(), "0 Success 00/00/00/");
+    ASSERT_EQ(t.writes.size(), 1);
+    EXPECT_EQ(t.writes[0].bytes, QByteArray("?/"));
+    EXPECT_EQ(t.writes[0].atMs, 10);
+
+    // With a register that answers at once, a payment takes 200 ms longer.
+    t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/"); };
+    qint64 start = clock.monotonicMs();
+    run("?/");
+    const qint64 poll = clock.monotonicMs() - start;
+    start = clock.monotonicMs();
+    run("5/1/0.00////");
+    EXPECT_EQ(clock.monotonicMs() - start, poll + 200);
+
+    t.onWrite = [&t](const QByteArray&) { t.deliver("00/00/00/" + QByteArray(3000, 'x'), 5); };
+    run("?/");
+    EXPECT_EQ(reply.size(), 2049);
+}
+
 TEST_F(TcpExchangeTest, AReplyCutByTheNetworkIsOneReplyAndStaleBytesAreDroppedBeforeTheNextCommand)
 {
     FakeTransport& t = open();

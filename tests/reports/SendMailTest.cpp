@@ -72,6 +72,21 @@ TEST(SendMail, GreekMailWithAttachmentReachesEveryReceiverWithoutLogin)
     EXPECT_EQ(QByteArray::fromBase64(partPayload(message, "filename=\"Z0123.out\"")), content);
 }
 
+TEST(SendMail, LogsInOnlyWhenMailIniNamesAUser)
+{
+    SmtpPeer peer(QStringLiteral("accept"), {QStringLiteral("--login"), QStringLiteral("kasa:μυστικό")});
+    ASSERT_NE(peer.port(), 0);
+    MailSettings settings = loopback(peer.port());
+    settings.user = QStringLiteral("kasa");
+    settings.password = QStringLiteral("μυστικό");
+
+    const MailOutcome outcome = SendMailWith(settings, {QStringLiteral("z@acct.gr"), QStringLiteral("s"),
+                                                        QStringLiteral("b"), {}});
+
+    ASSERT_EQ(outcome.status, 0) << outcome.failure.toStdString();
+    EXPECT_EQ(peer.envelope(1)[QStringLiteral("login")].toString(), QStringLiteral("kasa"));
+}
+
 TEST(SendMail, ServerFailuresAndAMissingAttachmentOrReceiverEndInMinusOneWithAGreekReason)
 {
     const MailRequest request{QStringLiteral("z@acct.gr"), QStringLiteral("s"), QStringLiteral("b"), {}};

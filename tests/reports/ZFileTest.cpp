@@ -127,6 +127,22 @@ TEST_F(ZFileTest, NumbersTakeTheRegionalDecimalMarkWhicheverMarkTheRegisterUsed)
     EXPECT_EQ(lines[16], " PO  ,          0,00");
 }
 
+TEST_F(ZFileTest, AZNumberAboveNineThousandNineHundredNinetyNineIsWrittenWhole)
+{
+    replies["i/"] = "00/00/00/5/120/12345/125/";
+    ASSERT_EQ(build(), -1);
+    const QByteArray bytes = fileBytes("Z12345.out");
+    ASSERT_FALSE(bytes.isEmpty());
+    EXPECT_TRUE(bytes.contains(" REP ,12345,03-01-2026,2315\r\n"));
+    EXPECT_EQ(lastNumber, "12345");
+
+    // Z number 7 has the 7 in the fourth place of its field (shown above);
+    // 123 gives Z0123.out.
+    replies["i/"] = "00/00/00/5/120/123/125/";
+    ASSERT_EQ(build(), -1);
+    EXPECT_TRUE(fileBytes("Z0123.out").contains(" REP , 123,"));
+}
+
 TEST_F(ZFileTest, ARefusedOrUnreadableAnswerHalfwayLeavesNoFileAndNoLine)
 {
     // A first good copy stands; the failed runs must add nothing behind it.
