@@ -19,7 +19,6 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-
 namespace {
 
 const QString kSerial = QStringLiteral("ABC12345678");
