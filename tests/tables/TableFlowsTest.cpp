@@ -19,8 +19,6 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include <array>
-
 namespace {
 
 const QString kSerial = QStringLiteral("ABC12345678");
@@ -91,15 +89,6 @@ TEST_F(TableFlowsTest, SerialAndNextZComeFromTheRegisterOrTheirFailureMarks)
     EXPECT_EQ(link.commands(), QStringList({"a/", "i/", "a/", "i/"}));
 }
 
-TEST_F(TableFlowsTest, TheOpenBitIsValue16OfTheSecondStatusByteAskedQuietly)
-{
-    link.queue = {{0, "00/00/10/"}, {0, "00/10/00/"}, {0x30, "busy"}};
-    EXPECT_EQ((std::array{flows.IsStatusBitSet(), flows.IsStatusBitSet(), flows.IsStatusBitSet()}),
-              (std::array{true, false, false}));
-    EXPECT_TRUE(link.sent[0].quiet);
-    EXPECT_TRUE(link.shownMessages.isEmpty());
-}
-
 TEST_F(TableFlowsTest, PendingVoidsCancelTheirStoredLinesOnceTheTableIsOpenedOnce)
 {
     put(Item(4, 101, 1, "ΚΑΦΕΣ ΦΙΛΤΡΟΥ 250Γ", 2, 3.5));
@@ -157,26 +146,6 @@ TEST_F(TableFlowsTest, VoidingATableCancelsEveryRowWithItsWholeDescriptionAndClo
     EXPECT_TRUE(link.sent.isEmpty());
 }
 
-TEST_F(TableFlowsTest, ATransferReplyRewritesTheNamedRowsForTheDestination)
-{
-    put(Item(3, 11, 1, "ΣΑΛΑΤΑ", 1, 6));
-    put(Item(3, 12, 2, "ΜΠΥΡΑ", 2, 4.35));
-    put(Item(3, 13, 3, "ΨΩΜΙ", 1, 1));
-
-    // Fields missing or garbage move nothing and stop nothing.
-    flows.ApplyTransferReply(3, 9, "00/00/00/");
-    flows.ApplyTransferReply(3, 9, "00/00/00/2/x|y/12-|32-5/13-3/");
-    EXPECT_EQ(find(3, "ΜΠΥΡΑ", 2, 4.35).itemUID, 12);
-
-    EXPECT_EQ(flows.ApplyTransferReply(3, 9, "00/00/00/2/11-1|31-4/12-2|32-5//13-3|33-6/"), 0);
-    const clsTable salad = find(9, "ΣΑΛΑΤΑ", 1, 6);
-    EXPECT_EQ(std::tuple(salad.itemUID, salad.tableORDER), std::tuple(31, 4));
-    const clsTable beer = find(9, "ΜΠΥΡΑ", 2, 4.35);
-    EXPECT_EQ(std::tuple(beer.itemUID, beer.tableORDER), std::tuple(32, 5));
-    EXPECT_EQ(find(3, "ΨΩΜΙ", 1, 1).itemUID, 13); // behind the first empty field
-    EXPECT_TRUE(link.sent.isEmpty());
-}
-
 TEST_F(TableFlowsTest, TheOpenTablesListNamesTablesWithItemsWithinTheRange)
 {
     link.responder = [](const QString& command, ScriptedLink::Answer& a) {
@@ -226,20 +195,6 @@ TEST_F(TableFlowsTest, PayingATableClosesItWithItsDiscountAndDropsItsRowsOncePai
     EXPECT_EQ(link.commands().last(), "&/3/5//0/1///////0.00/////");
     EXPECT_EQ(receipt.tableDiscount(), 1.5);
     EXPECT_EQ(find(5, "ΣΟΥΒΛΑΚΙ", 2, 3.5).itemUID, 2);
-}
-
-TEST_F(TableFlowsTest, AMoveInPartsIsEndedBeforeTheTableIsPaid)
-{
-    receipt.TableMode = 2;
-    receipt.TableFrom = 3;
-    receipt.TableTo = 290;
-    put(Item(3, 11, 1, "ΣΑΛΑΤΑ", 1, 6));
-    ASSERT_EQ(store().orders_MarkRecord(Item(3, 11, 1, "", 0, 0)), 0);
-    link.queue = {{0, "00/00/10/"}, {0, "00/00/00/1/11-1|40-1/"}};
-    flows.bringTableToRegister();
-    EXPECT_EQ(link.commands(), QStringList({"?/", "&/9/3/290/0////////////"}));
-    EXPECT_TRUE(link.sent[1].quiet);
-    EXPECT_EQ(find(290, "ΣΑΛΑΤΑ", 1, 6).itemUID, 40);
 }
 
 TEST_F(TableFlowsTest, AStoreThatCannotBeMadeLeavesTheSaleAndWritesTheDbLine)
