@@ -86,6 +86,7 @@ protected:
     std::unique_ptr<ScriptedPrinter> printer;
     QStringList walked;
     ScriptedJobParts parts;
+    qint16 initializeStatusAtStart = 0; // what "initialize" answers from the start on
 
     // A walk that hands each line to perLine; false from it ends the walk.
     static ScriptedJobParts::InterpretLines walkEach(std::function<bool(const QString&, const JobSettings&)> perLine)
@@ -129,6 +130,7 @@ protected:
     {
         engine = std::make_unique<Engine>(clock, person, form, EngineOptions{dir.path(), commandLine, honourAutoStart});
         printer = std::make_unique<ScriptedPrinter>(engine->receiptState());
+        printer->statusAfterScript = initializeStatusAtStart;
         engine->attach(link, *printer, parts, parts);
     }
     void start(const QString& commandLine = QString())
