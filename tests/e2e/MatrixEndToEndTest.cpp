@@ -8,7 +8,9 @@
 //   print file: one receipt issued, ending as a printed one.
 // Never a receipt twice, never one left open.
 
+#include "PrintFileLines.h"
 #include "SimWorld.h"
+#include "TableSides.h"
 #include "TapeTally.h"
 
 #include <QRegularExpression>
@@ -154,4 +156,47 @@ std::vector<KillAt> everyCommand()
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryCommand, KillMatrix, ::testing::ValuesIn(everyCommand()), killName);
+
+// kerbano --headless killed at each command of a table job, then run again:
+// no item sold twice onto the table, and the order store saying what the
+// register holds on it.
+// A table job: the visit's title (7) to the end of the visit and the question
+// behind it (15).
+constexpr int kFirstTableJobCommand = 7;
+constexpr int kLastTableJobCommand = 15;
+constexpr int kTable = 5;
+
+class TableKillMatrix : public SimWorld, public ::testing::WithParamInterface<int> {};
+
+TEST_P(TableKillMatrix, KilledThenRunAgainSellsNothingTwiceAndTheStoreMatchesTheTable)
+{
+    const int command = GetParam();
+    sim.keepMemory();
+    ASSERT_TRUE(writeBytes(path(u"faults.txt"_s), QByteArray::number(command) + ": lost\n"));
+    sim.setExtraArguments({u"--faults"_s, path(u"faults.txt"_s)});
+    ASSERT_TRUE(sim.startTcp()) << sim.startError().toStdString();
+    const QStringList lines{u"resFile:  result.txt"_s, u"tag:  T1"_s, u" TBO  005 ΚΗΠΟΣ"_s,
+                            pluLine(u"ΣΟΥΒΛΑΚΙ"_s, u"2"_s, u"3.50"_s), pluLine(u"ΝΕΡΟ"_s, u"1"_s, u"0.50"_s),
+                            pluLine(u"ΜΠΥΡΑ"_s, u"2"_s, u"4.35"_s), u" TBC 5"_s};
+    ASSERT_TRUE(writeBytes(path(u"print.txt"_s), codepage::toWin1253(lines.join(u"\r\n"_s) + u"\r\n"_s)));
+
+    {
+        const KerbanoProcess first(dir.path(), {commandLine()}); // killed as it goes
+        ASSERT_TRUE(first.started());
+        ASSERT_TRUE(sim.waitForCommands(command, kKillWithinMs)) << "the register never got command " << command;
+    }
+    const KerbanoRun second = runKerbanoHeadless(dir.path(), commandLine(), kSecondRunMs);
+    ASSERT_TRUE(second.finished);
+    EXPECT_EQ(second.exitCode, 0) << second.err.toStdString();
+    EXPECT_FALSE(QFile::exists(path(u"print.txt"_s))) << "the print file stays";
+
+    const std::set<TableItemKey> onRegister = registerTableItems(sim.portField(), kTable);
+    EXPECT_LE(onRegister.size(), 3u) << "an item sold twice";
+    EXPECT_EQ(journalCount(u"3/S/ΣΟΥΒΛΑΚΙ"_s), 1) << "the first sale sent again";
+    EXPECT_EQ(storeTableItems(dir.path(), kTable), onRegister);
+    const QStringList result = resultLines();
+    EXPECT_EQ(result.filter(u"exitcode = "_s), QStringList{u"exitcode = 0"_s}) << result.join(u'\n').toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCommand, TableKillMatrix, ::testing::Range(kFirstTableJobCommand, kLastTableJobCommand + 1));
 } // namespace
