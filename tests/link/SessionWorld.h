@@ -7,6 +7,7 @@
 #include "link/DevicePort.h"
 #include "link/DeviceSession.h"
 #include "shell/Clock.h"
+#include "shell/CodePage.h"
 #include "shell/CommunicationLog.h"
 #include "shell/FormModel.h"
 #include "shell/ModuleVariables.h"
@@ -52,9 +53,10 @@ struct SessionWorld {
 
 // A register behind every pipe the session opens: each command is answered
 // from its own queue of replies (the last one repeats), "00/00/00/" without
-// one, framed on a serial line and plain on TCP. A command in answerAfterMs
-// is answered that much later (never when negative); ENQ gets its ACK after
-// enqAnswerMs.
+// one, framed on a serial line and plain on TCP; a NAK reply goes as its byte.
+// A command in answerAfterMs is answered that much later (never when
+// negative); ENQ gets its ACK after enqAnswerMs, and a negative one holds back
+// the next ENQ's answer only.
 class QueuedRegisterTest : public ::testing::Test, protected SessionWorld {
 protected:
     QueuedRegisterTest()
@@ -113,13 +115,16 @@ private:
     void answer(FakeTransport& t, const QByteArray& w)
     {
         if (w == "\x05") {
-            t.deliver("\x06", enqAnswerMs);
+            if (enqAnswerMs < 0)
+                enqAnswerMs = 5;
+            else
+                t.deliver("\x06", enqAnswerMs);
             return;
         }
         if (w == "\x06") // the driver's ACK of a reply
             return;
         const bool framed = w.startsWith('\x02');
-        const QString command = QString::fromLatin1(framed ? w.mid(1, w.size() - 4) : w);
+        const QString command = codepage::fromWin1253(framed ? w.mid(1, w.size() - 4) : w);
         sent << command;
         if (onCommand)
             onCommand(command, sent.count(command));
@@ -129,6 +134,6 @@ private:
             queue.pop_front();
         const qint64 after = answerAfterMs.count(command) ? answerAfterMs[command] : 5;
         if (after >= 0)
-            t.deliver(text.toLatin1() + (framed ? "\x03" : ""), after);
+            t.deliver(text.toLatin1() + (framed && text != "\x15" ? "\x03" : ""), after);
     }
 };
