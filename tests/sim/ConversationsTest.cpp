@@ -18,18 +18,30 @@ TEST_F(Register, WorkedReceiptAddsUpDiscountsAndClosesOnFullPayment)
     EXPECT_TRUE(tape.contains("ΣΥΝΟΛΟ ΕΥΡΩ                         6.50"));
 }
 
+// Each row's conversations are played in turn on one register: its model
+// alone, or the whole register with its memory on disk. The Z file's queries
+// follow a day of three receipts; the z-*.txt conversations hold the replies.
 TEST(Conversations, EachIsAnsweredWordForWordAsARegisterAnswers)
 {
-    for (const char* name : {"receipt-numbers.txt", "receipt-refusals.txt", "terminal-rules.txt",
-                             "terminal-table-payment.txt"}) {
-        SCOPED_TRACE(name);
+    const struct {
+        std::vector<const char*> names;
+        bool onDisk;
+    } rows[] = {{{"receipt-numbers.txt"}, false},
+                {{"receipt-refusals.txt"}, false},
+                {{"terminal-rules.txt"}, false},
+                {{"terminal-table-payment.txt"}, false},
+                {{"day-of-three-receipts.txt", "z-of-the-day.txt"}, false},
+                {{"day-of-three-receipts.txt", "z-of-the-next-day.txt"}, false},
+                {{"tables-refusals.txt"}, true},
+                {{"tables-paid-in-parts.txt"}, true},
+                {{"day-of-three-receipts.txt", "z-after-a-restart.txt"}, true}};
+    for (const auto& row : rows) {
         ModelWorld model;
-        model.play(name);
-    }
-    for (const char* name : {"tables-refusals.txt", "tables-paid-in-parts.txt"}) {
-        SCOPED_TRACE(name);
         DiskWorld disk;
-        disk.play(name);
+        for (const char* name : row.names) {
+            SCOPED_TRACE(name);
+            row.onDisk ? disk.play(name) : model.play(name);
+        }
     }
 }
 
@@ -57,33 +69,6 @@ TEST_F(Tables, OrderSlipsAndTableReportsGoOnTheTape)
 {
     play("tables-slips.txt");
     EXPECT_EQ(tape().split(u'\n'), DataFileLines("sim/tables-slips-tape.txt") << QString());
-}
-
-// The Z file's queries after tests/data/sim/day-of-three-receipts.txt; the
-// replies are in the z-*.txt conversations.
-class ZFileQueries : public ModelTest {
-protected:
-    void SetUp() override
-    {
-        now = QDateTime(QDate(2026, 11, 19), QTime(23, 45, 10));
-        play("day-of-three-receipts.txt");
-    }
-};
-
-TEST_F(ZFileQueries, TheZKeepsTheDaysFiguresByCategoryDepartmentAndPayment)
-{
-    play("z-of-the-day.txt");
-}
-
-TEST_F(ZFileQueries, TheNextZCarriesOnlyItsOwnDay)
-{
-    play("z-of-the-next-day.txt");
-}
-
-TEST_F(Tables, TheZsFiguresSurviveARestart)
-{
-    play("day-of-three-receipts.txt");
-    play("z-after-a-restart.txt");
 }
 
 } // namespace

@@ -17,12 +17,6 @@
 #include <functional>
 #include <memory>
 
-// One command to a register, in Windows-1253 both ways.
-inline QString sendTo(SimRegister& reg, const QString& command)
-{
-    return codepage::fromWin1253(reg.handle(codepage::toWin1253(command)).reply);
-}
-
 // Plays a conversation of tests/data/sim/: each line a command, a tab and the
 // reply it must get word for word (no tab: the reply is not looked at); "#"
 // starts a comment. A line the world takes as its own (directive returns true:
@@ -105,8 +99,11 @@ struct DiskWorld {
         reg = std::make_unique<SimRegister>(
             SimRegister::Options{dir.path(), {}, dir.filePath(QStringLiteral("tape.txt")), {}, {}}, clock);
     }
-    QString send(const QString& command) { return sendTo(*reg, command); }
-    QStringList fields(const QString& command) { return send(command).split(QLatin1Char('/')); }
+    // One command, in Windows-1253 both ways.
+    QString send(const QString& command)
+    {
+        return codepage::fromWin1253(reg->handle(codepage::toWin1253(command)).reply);
+    }
     void play(const QString& name)
     {
         replay(name, [this](const QString& command) { return send(command); },

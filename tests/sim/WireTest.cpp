@@ -14,28 +14,22 @@
 
 namespace {
 
-QByteArray frame(const QByteArray& text)
-{
-    return "\x02" + text + QByteArray::number(SerialWire::checkDigits(text)).rightJustified(2, '0') + "\x03";
-}
-
-TEST(SerialWireTest, CheckDigitsFollowTheByteSumThenModulo100)
-{
-    EXPECT_EQ(SerialWire::checkDigits("?/"), 10);
-    EXPECT_EQ(SerialWire::checkDigits("a/"), 44);
-    EXPECT_EQ(SerialWire::checkDigits("x/1/1/99999/"), 79);
-    EXPECT_EQ(SerialWire::checkDigits("z/1/2600/"), 0);
-    EXPECT_EQ(SerialWire::checkDigits(" ?/ "), 10); // outer blanks are not summed
-}
-
-TEST(SerialWireTest, AnswersEnqFramesAndNacksWrongDigitsAmidNoise)
-{
+// A register with its memory in RAM, on the virtual clock.
+class SimWire : public ::testing::Test {
+protected:
     VirtualClock clock;
-    SimRegister reg({}, clock);
+    SimRegister reg{{}, clock};
+};
+
+// Frames carry the byte sum of their text kept to a byte, then modulo 100,
+// outer blanks not summed: "?/" 10, the Greek sale in Windows-1253 23 (2071).
+TEST_F(SimWire, SerialAnswersEnqFramesAndNacksWrongDigitsAmidNoise)
+{
+    EXPECT_EQ(SerialWire::checkDigits(" ?/ "), 10);
     SimTransport t(reg, SimTransport::Wire::Serial, clock);
     t.write("\x05");
     EXPECT_EQ(t.read(255), QByteArray("\x06"));
-    t.write(QByteArray("\x00\x00garbage", 9) + frame("?/"));
+    t.write(QByteArray("\x00\x00garbage", 9) + "\x02?/10\x03");
     EXPECT_EQ(t.read(255), QByteArray("\x02" "00/00/00/" "\x03"));
     t.write("\x06\x05");
     t.read(255);
@@ -44,14 +38,12 @@ TEST(SerialWireTest, AnswersEnqFramesAndNacksWrongDigitsAmidNoise)
     t.write(QByteArray(10000, 'A'));
     t.read(255);
     EXPECT_EQ(reg.commandsReceived(), 1); // the bad frame and the flood executed nothing
-    t.write(frame(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/")));
+    t.write("\x02" + codepage::toWin1253("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/") + "23\x03");
     EXPECT_EQ(t.read(255), QByteArray("\x02" "00/00/10/" "\x03"));
 }
 
-TEST(TcpWireTest, KnowsAWholeCommandByTheLongestFormOfItsCodeClosedByItsSlash)
+TEST_F(SimWire, TcpKnowsAWholeCommandByTheLongestFormOfItsCodeClosedByItsSlash)
 {
-    VirtualClock clock;
-    SimRegister reg({}, clock);
     for (const char* whole : {"?/", "a/", "d/3/", "3/S/ΚΑΦΕΣ//1.000/2.00/1/24.00/", "5/1/6.50/ΜΕΤΡΗΤΑ//////",
                               "x/1/1/99999/", "&/11/4//0/0///////////"})
         EXPECT_TRUE(reg.isWholeCommand(codepage::toWin1253(QString::fromUtf8(whole)))) << whole;
@@ -60,10 +52,8 @@ TEST(TcpWireTest, KnowsAWholeCommandByTheLongestFormOfItsCodeClosedByItsSlash)
         EXPECT_FALSE(reg.isWholeCommand(codepage::toWin1253(QString::fromUtf8(open)))) << open;
 }
 
-TEST(TcpWireTest, AnswersAWholeCommandAtOnceAndWaitsForQuietOnlyWhereItCannotTell)
+TEST_F(SimWire, TcpAnswersAWholeCommandAtOnceAndWaitsForQuietOnlyWhereItCannotTell)
 {
-    VirtualClock clock;
-    SimRegister reg({}, clock);
     TcpWire wire(reg);
     auto receive = [&](const QString& text) { return wire.receive(codepage::toWin1253(text), clock.monotonicMs()); };
 
@@ -132,22 +122,8 @@ TEST(LineTimingTest, AtTheLineSpeedARepliesLastByteLandsWhenACableWouldHaveCarri
     EXPECT_EQ(whole[0].bytes, reply);
 }
 
-TEST(SimTransportTest, IdleReadRunsTheClockAndTcpRepliesArePlain)
+TEST_F(SimWire, ScriptedFaultsShapeTheRepliesOverAnIdleClock)
 {
-    VirtualClock clock;
-    SimRegister reg({}, clock);
-    SimTransport t(reg, SimTransport::Wire::Tcp, clock);
-    EXPECT_TRUE(t.read(255).isEmpty());
-    EXPECT_EQ(clock.monotonicMs(), SimTransport::kIdleReadMs);
-    t.write("a/");
-    EXPECT_TRUE(t.waitForData(0));
-    EXPECT_EQ(t.read(2048), QByteArray("00/00/00/00012345/1/DNT/"));
-}
-
-TEST(FaultScriptTest, ScriptedFaultsShapeTheReplies)
-{
-    VirtualClock clock;
-    SimRegister reg({}, clock);
     QString error;
     ASSERT_TRUE(reg.loadFaults("# demo\n"
                                "1: paperend\n"
@@ -159,6 +135,8 @@ TEST(FaultScriptTest, ScriptedFaultsShapeTheReplies)
                                &error))
         << qPrintable(error);
     SimTransport t(reg, SimTransport::Wire::Tcp, clock);
+    EXPECT_TRUE(t.read(255).isEmpty()); // an idle read runs the clock on
+    EXPECT_EQ(clock.monotonicMs(), SimTransport::kIdleReadMs);
     t.write("?/");
     EXPECT_EQ(t.read(2048), QByteArray("00/04/00/"));
     t.write("?/");
@@ -189,10 +167,8 @@ TEST(FaultScriptTest, ScriptedFaultsShapeTheReplies)
     EXPECT_FALSE(bad.parse("/unterminated: nack\n", &error));
 }
 
-TEST(FaultScriptTest, ScriptedStatusBitsJoinTheOpenDocumentBitWhileScriptedCodesCarryNone)
+TEST_F(SimWire, ScriptedStatusBitsJoinTheOpenDocumentBitWhileScriptedCodesCarryNone)
 {
-    VirtualClock clock;
-    SimRegister reg({}, clock);
     ASSERT_TRUE(reg.loadFaults("2: operator\n3: code 1A\n"));
     EXPECT_EQ(reg.handle(codepage::toWin1253("3/S/ΨΩΜΙ//1.000/1.00/1/24.00/")).reply, QByteArray("00/00/10/"));
     EXPECT_EQ(reg.handle("?/").reply, QByteArray("00/00/14/"));
