@@ -20,7 +20,6 @@ const SendOptions kCardOptions{.timeoutSeconds = 301, .logMode = SendOptions::kL
 
 class DeviceSessionTest : public QueuedRegisterTest {
 protected:
-
     DeviceSessionTest()
     {
         vars.DebugEnabled = true;
@@ -28,71 +27,78 @@ protected:
     }
 };
 
-TEST_F(DeviceSessionTest, PaperEndWaitsInTheWindowThenSendsTheSameCommandAgain)
+// The sessions of link/session-scripts.txt: the heads of its sections.
+const QString kScripts = QStringLiteral("link/session-scripts.txt");
+std::vector<QString> scriptedSessions()
 {
-    open();
-    replies[kPlu] = {"2C/00/00/", "00/00/00/"};
-    replies["?/"] = {"2C/00/00/", "00/00/00/"};
-    send(kPlu);
-    EXPECT_FALSE(link.WaitFormOpen());
-    // A quiet command returns at once with nothing shown or resent.
-    replies["x/7///"] = {"2C/00/00/"};
-    send("x/7///", true, 1);
-    EXPECT_EQ(course(), expectedCourse());
+    std::vector<QString> names;
+    for (const QString& line : DataLines(kScripts))
+        if (line.startsWith(u"== "))
+            names.push_back(line.mid(3));
+    return names;
 }
 
-TEST_F(DeviceSessionTest, EachRetryStatusIsResentOnceTheRegisterClearsAndNoOtherWaitStatusIs)
+class ScriptedSession : public DeviceSessionTest, public ::testing::WithParamInterface<QString> {};
+
+// Each script line sets the register up or talks to it; the course lines
+// after it are what the session must leave. Every send ends with the wait
+// window closed.
+TEST_P(ScriptedSession, LeavesTheCourseItsSectionHolds)
 {
-    open();
-    for (const char* answer : {"1A/00/00/", "2C/00/00/", "36/00/00/", "AA/00/00/", "00/00/04/", "4F/00/00/",
-                               "5D/00/00/", "C1/00/00/", "C8/00/00/", "CF/00/00/", "00/01/00/"}) {
-        replies["7/1/1/A/"] = {answer, "00/00/00/"};
-        send("7/1/1/A/");
+    const QStringList courseHeads = {"status", ">", "window", "message", "result"};
+    QStringList expected;
+    std::map<std::pair<QString, int>, QString> events; // what happens as a command is heard the n-th time
+    onCommand = [&](const QString& command, qsizetype n) {
+        const QString event = events[{command, int(n)}];
+        if (event == u"stop")
+            vars.Stop = StopCause::Signal;
+        if (event == u"eft-done")
+            vars.EftBusy = false;
+    };
+    for (const QString& line : golden(kScripts, GetParam())) {
+        QStringList word = line.split(u' ');
+        const QString verb = word.takeFirst();
+        if (courseHeads.contains(verb))
+            expected << line;
+        else if (verb == u"open")
+            open(word[0]);
+        else if (verb == u"reply")
+            replies[word[0]] = std::deque<QString>(word.begin() + 1, word.end());
+        else if (line == u"set eft-busy")
+            vars.EftBusy = true;
+        else if (verb == u"set" && word[0] == u"enq-after")
+            enqAnswerMs = word[1].toLongLong();
+        else if (verb == u"set" && word[0] == u"window-closed-after")
+            op.closeWaitWindowAfterChecks = word[1].toInt();
+        else if (verb == u"send")
+            send(word[0], word.contains(u"quiet"), word.contains(u"log") ? word.constLast().toInt() : 0);
+        else if (verb == u"card")
+            statuses << QString::number(link.send(word[0], kCardOptions).status());
+        else if (verb == u"wait-for-register")
+            statuses << QString::number(WaitForRegister(link, op, clock));
+        else if (verb == u"show")
+            link.ShowDeviceMessage(qint16(word[0].toInt()), word.mid(1).join(u' '));
+        else if (verb == u"on")
+            events[{word[0], word[1].toInt()}] = word[2];
+        else if (line.startsWith(u"set wait-limit "))
+            vars.WaitLimitMs = word[1].toLongLong();
+        else if (line == u"stopped")
+            EXPECT_EQ(vars.Stop, StopCause::Signal);
+        else if (verb == u"timeout")
+            EXPECT_EQ(timeout, word[0].toInt());
+        else if (verb == u"clock-at-least")
+            EXPECT_GE(clock.monotonicMs(), word[0].toLongLong());
+        else if (verb == u"logged")
+            EXPECT_TRUE(logBytes().contains(line.mid(6).toUtf8() + "\r\n")) << line.toStdString();
+        else
+            ASSERT_TRUE(verb.startsWith(u'#')) << "unknown line " << line.toStdString();
+        EXPECT_FALSE(link.WaitFormOpen()) << line.toStdString();
     }
-    EXPECT_EQ(course(), expectedCourse());
+    EXPECT_EQ(course(), expected);
 }
 
-TEST_F(DeviceSessionTest, RefusalShowsFortyCharactersUnderTheDeviceLabelAndLogsTheResult)
-{
-    open();
-    replies["q/"] = {"06/00/00/"};
-    send("q/");
-    link.ShowDeviceMessage(-4, "Ο Φορολ. Εκτυπωτής δεν Απαντά σε εντολή !");
-    // Commands logged otherwise leave no result line.
-    send("q/", false, 1);
-    send("q/", false, 2);
-    EXPECT_EQ(course(), expectedCourse());
-}
-
-TEST_F(DeviceSessionTest, OperatorClosingTheWindowCountsAsCleared)
-{
-    open();
-    replies["3/S/X"] = {"1A/00/00/", "00/00/00/"};
-    op.closeWaitWindowAfterChecks = 0;
-    send("3/S/X");
-    EXPECT_EQ(course(), expectedCourse());
-}
-
-TEST_F(DeviceSessionTest, PollLabelsFollowThePollAndOperatorBusyPausesTenSeconds)
-{
-    open();
-    replies["5/3/9.00///1/1/"] = {"C1/00/00/"};
-    replies["?/"] = {"CF/00/00/", "00/00/04/", "00/00/00/"};
-    send("5/3/9.00///1/1/", false, 2);
-    EXPECT_EQ(course(), expectedCourse()); // 251 touched nothing
-    EXPECT_GE(clock.monotonicMs(), 3 * 2000 + 10000);
-    EXPECT_TRUE(logBytes().contains(" open Receipt, wait 10s\r\n"));
-}
-
-TEST_F(DeviceSessionTest, SerialErrLineCarriesTheFrameAndTimeoutZeroBecomesThree)
-{
-    open("com1");
-    EXPECT_FALSE(link.tcpPort());
-    replies["q/"] = {"06/00/00/"};
-    send("q/", true);
-    EXPECT_EQ(timeout, 3);
-    EXPECT_EQ(course(), expectedCourse());
-}
+INSTANTIATE_TEST_SUITE_P(Sessions, ScriptedSession, ::testing::ValuesIn(scriptedSessions()),
+                         [](const auto& info) { return info.param.toStdString(); });
 
 TEST_F(DeviceSessionTest, OpenFailuresGiveStatusAndText)
 {
@@ -160,14 +166,6 @@ TEST_F(DeviceSessionTest, IdentificationNamesTheModelProbesOnlyDeltaEditionsAndA
     }
 }
 
-TEST_F(DeviceSessionTest, WaitForRegisterReleasesAReceiptThatAnswers70)
-{
-    open();
-    replies["5/1/0.00////"] = {"1A/00/00/", "46/00/00/"};
-    statuses << QString::number(WaitForRegister(link, op, clock));
-    EXPECT_EQ(course(), expectedCourse());
-}
-
 TEST_F(DeviceSessionTest, VersionInfoOpensAsksAndClosesAgain)
 {
     vars.port = "127.0.0.1:9101";
@@ -205,7 +203,7 @@ TEST_F(DeviceSessionTest, WhatReachesTheSessionWhileTheWaitWindowPollsIsRefused)
     // Once the conversation has ended the same command goes through.
     EXPECT_FALSE(link.inConversation());
     EXPECT_TRUE(link.send("x/1/1/99999/").ok());
-    EXPECT_EQ(course(), expectedCourse());
+    EXPECT_EQ(course(), golden("link/session.txt", "WhatReachesTheSessionWhileTheWaitWindowPollsIsRefused"));
 }
 
 TEST_F(DeviceSessionTest, ALinkNeverOpenedIsLostAndASilentRegisterGivesNoReply)
@@ -218,25 +216,6 @@ TEST_F(DeviceSessionTest, ALinkNeverOpenedIsLostAndASilentRegisterGivesNoReply)
     factory.made.last()->onWrite = {};
     const DeviceReply silent = link.send("?/", {.quiet = true});
     EXPECT_EQ(std::pair(silent.status(), silent.outcome()), std::pair(qint16(-4), ReplyOutcome::NoReply));
-}
-
-TEST_F(DeviceSessionTest, AStopDuringTheWaitEndsItWithoutSendingTheCommandAgain)
-{
-    open();
-    replies[kPlu] = {"2C/00/00/", "00/00/00/"};
-    replies["?/"] = {"2C/00/00/"};
-    onCommand = [this](const QString& command, qsizetype n) {
-        if (command == "?/" && n == 3)
-            vars.Stop = StopCause::Signal;
-    };
-    send(kPlu); // no poll after the stop, and no resend
-    EXPECT_FALSE(link.WaitFormOpen());
-    EXPECT_EQ(vars.Stop, StopCause::Signal);
-
-    // Once the process is ending, a wait status ends its window at once.
-    replies[kPlu] = {"1A/00/00/"};
-    send(kPlu);
-    EXPECT_EQ(course(), expectedCourse());
 }
 
 TEST_F(DeviceSessionTest, WithoutALimitTheWindowWaitsUntilTheRegisterClearsAndALimitCountsOverTheResends)
@@ -269,28 +248,6 @@ TEST_F(DeviceSessionTest, WithoutALimitTheWindowWaitsUntilTheRegisterClearsAndAL
     EXPECT_TRUE(results.lines[0].startsWith("Err = 44, "));
 }
 
-TEST_F(DeviceSessionTest, ACardPaymentIsWaitedOutWhateverTheStop)
-{
-    open();
-    vars.EftBusy = true;
-    vars.WaitLimitMs = 10000;
-    const QString card = QStringLiteral("5/3/9.00///1/1/");
-    replies[card] = {"C1/00/00/"};
-    replies["?/"] = {"C1/00/00/", "C1/00/00/", "C1/00/00/", "C1/00/00/", "C1/00/00/", "C1/00/00/",
-                     "C1/00/00/", "00/00/00/"};
-    onCommand = [this](const QString& command, qsizetype n) {
-        if (command == "?/" && n == 1)
-            vars.Stop = StopCause::Signal;
-        if (command == "?/" && n == 8)
-            vars.EftBusy = false; // the payment's outcome is in
-    };
-    send(card);
-
-    EXPECT_EQ(sent.count("?/"), 8) << "polled until the terminal answered";
-    EXPECT_EQ(sent.count(card), 1);
-    EXPECT_EQ(vars.Stop, StopCause::Signal);
-}
-
 TEST_F(DeviceSessionTest, ASlowTerminalIsAwaitedOnceAndASilentOneIsNeverAskedTwiceOnEitherLine)
 {
     for (const QString portName : {"127.0.0.1:9101", "com1"}) {
@@ -311,16 +268,6 @@ TEST_F(DeviceSessionTest, ASlowTerminalIsAwaitedOnceAndASilentOneIsNeverAskedTwi
         }
         link.CloseDeviceLink();
     }
-}
-
-TEST_F(DeviceSessionTest, WhileACardPaymentRunsTheWaitWindowPollsWithTheLongWait)
-{
-    open("com1");
-    replies[kCard] = {"C1/00/00/"}; // 193: the terminal is still at work
-    enqAnswerMs = 100000;     // the register answers nothing else meanwhile
-    vars.EftBusy = true;
-    statuses << QString::number(link.send(kCard, kCardOptions).status());
-    EXPECT_EQ(course(), expectedCourse()); // no unanswered poll in between
 }
 
 // The zero payment's wait (WaitForRegister) ends as the device-wait window

@@ -9,7 +9,6 @@ namespace {
 
 const QByteArray kEnq(1, 0x05);
 const QByteArray kAck(1, 0x06);
-QByteArray replyFrame(const QByteArray& text) { return "\x02" + text + "\x03"; }
 
 class ExchangeTest : public ::testing::Test, protected SessionWorld {
 protected:
@@ -24,33 +23,25 @@ protected:
 
 class SerialExchangeTest : public ExchangeTest {
 protected:
-    // A register that answers each ENQ with ACK after 5 ms; frameReply decides
-    // what follows the n-th frame (from 1).
-    void device(std::function<void(int frame)> frameReply)
-    {
-        line.onWrite = [this, frameReply](const QByteArray& w) {
-            if (w == kEnq)
-                line.deliver(kAck, 5);
-            else if (w.startsWith('\x02'))
-                frameReply(++frames);
-        };
-    }
     QString run(const QString& command)
     {
         return seen(SerialExchange(line, clock, log).run(FrameCommand(command), timeout, false));
     }
 
     FakeTransport line{clock};
-    int frames = 0;
     qint16 timeout = 0;
 };
 
 TEST_F(SerialExchangeTest, StatusPollGoesOutFramedIsAcknowledgedAndLogged)
 {
-    device([this](int) {
-        line.deliver(replyFrame("00/00/00/"), 30);
-        line.deliver(kAck + "Z", 60); // leftovers are drained into the log
-    });
+    line.onWrite = [this](const QByteArray& w) {
+        if (w == kEnq) {
+            line.deliver(kAck, 5);
+        } else if (w.startsWith('\x02')) {
+            line.deliver("\x02" "00/00/00/" "\x03", 30);
+            line.deliver(kAck + "Z", 60); // leftovers are drained into the log
+        }
+    };
     EXPECT_EQ(run("?/"), "0 Success 00/00/00/");
     ASSERT_GE(line.writes.size(), 3);
     EXPECT_EQ(line.writes[0].bytes, kEnq);

@@ -78,7 +78,7 @@ protected:
     }
     // What the commands of a test left, as lines: their statuses, what the
     // register heard, the wait window, the messages shown and the result
-    // lines; compared whole against the test's section of link/session.txt.
+    // lines; compared whole against a section of tests/data/link/.
     QStringList course() const
     {
         QStringList lines{"status " + statuses.join(u' ')};
@@ -94,11 +94,6 @@ protected:
         return lines.replaceInStrings(QStringLiteral("\r"), QStringLiteral("<CR>"))
             .replaceInStrings(QStringLiteral("\x02"), QStringLiteral("<STX>"))
             .replaceInStrings(QStringLiteral("\x03"), QStringLiteral("<ETX>"));
-    }
-    static QStringList expectedCourse()
-    {
-        return golden(QStringLiteral("link/session.txt"),
-                      QString::fromUtf8(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     }
 
     std::map<QString, std::deque<QString>> replies;
