@@ -62,8 +62,19 @@ TEST_P(ScriptedSession, LeavesTheCourseItsSectionHolds)
             expected << line;
         else if (verb == u"open")
             open(word[0]);
-        else if (verb == u"reply")
-            replies[word[0]] = std::deque<QString>(word.begin() + 1, word.end());
+        else if (verb == u"reply") // the command may hold blanks, the answers never
+            replies[line.section(QStringLiteral(" = "), 0, 0).mid(6)] =
+                std::deque<QString>(word.begin() + word.indexOf(QStringLiteral("=")) + 1, word.end());
+        else if (verb == u"connect") {
+            link.OpenDeviceLink(word[0], status, reply, false);
+            statuses << QString::number(status);
+            EXPECT_EQ(link.isConnected(), status == 0);
+        } else if (line == u"close")
+            link.CloseDeviceLink();
+        else if (line.startsWith(u"set open-status "))
+            factory.nextStatus = qint16(word[1].toInt());
+        else if (line.startsWith(u"set full-edition "))
+            vars.spRet = word[1] == u"yes";
         else if (line == u"set eft-busy")
             vars.EftBusy = true;
         else if (verb == u"set" && word[0] == u"enq-after")
@@ -84,6 +95,12 @@ TEST_P(ScriptedSession, LeavesTheCourseItsSectionHolds)
             vars.WaitLimitMs = word[1].toLongLong();
         else if (line == u"stopped")
             EXPECT_EQ(vars.Stop, StopCause::Signal);
+        else if (verb == u"said")
+            EXPECT_EQ(reply, line.mid(5));
+        else if (verb == u"label")
+            EXPECT_EQ(std::pair(form.label2(), vars.DeviceLabel), std::pair(line.mid(6), line.mid(6)));
+        else if (verb == u"full-edition")
+            EXPECT_EQ(vars.spRet, word[0] == u"yes");
         else if (verb == u"timeout")
             EXPECT_EQ(timeout, word[0].toInt());
         else if (verb == u"clock-at-least")
@@ -99,72 +116,6 @@ TEST_P(ScriptedSession, LeavesTheCourseItsSectionHolds)
 
 INSTANTIATE_TEST_SUITE_P(Sessions, ScriptedSession, ::testing::ValuesIn(scriptedSessions()),
                          [](const auto& info) { return info.param.toStdString(); });
-
-TEST_F(DeviceSessionTest, OpenFailuresGiveStatusAndText)
-{
-    const struct {
-        qint16 status;
-        const char* port;
-        const char* text;
-    } cases[] = {{-1, "com1", "Πρόβλημα στην Θύρα :com1"},
-                 {-2, "COM2", "Πρόβλημα στο Set-Up τής Θύρας :COM2"},
-                 {-6, "10.0.0.9:9101", "Λάθος κατά την σύνδεση με την ταμειακή "}};
-    EXPECT_TRUE(op.messages.isEmpty());
-    for (const auto& c : cases) {
-        factory.nextStatus = c.status;
-        link.OpenDeviceLink(c.port, status, reply, false);
-        EXPECT_EQ(status, c.status);
-        EXPECT_EQ(reply, c.text);
-        EXPECT_FALSE(link.isConnected());
-    }
-    // No register known yet: the TCP failure too carries the program's own title.
-    ASSERT_EQ(op.messages.size(), 3);
-    for (const auto& shown : op.messages)
-        EXPECT_EQ(shown.title, "Μύνημα Kerbano");
-    // A port without its number is refused before any opening, silently.
-    const int shown = op.messages.size();
-    link.OpenDeviceLink("10.0.0.9", status, reply, false);
-    EXPECT_EQ(status, DeviceSession::kStatusBadPortSetting);
-    EXPECT_FALSE(reply.isEmpty());
-    EXPECT_EQ(op.messages.size(), shown);
-    EXPECT_FALSE(link.isConnected());
-}
-
-TEST_F(DeviceSessionTest, IdentificationNamesTheModelProbesOnlyDeltaEditionsAndAFailedOneCloses)
-{
-    const QString probe = QStringLiteral("\"/0/290/1/Kerbano V11.12//");
-    const struct {
-        const char* answer;
-        const char* probeAnswer;
-        qint16 status;
-        const char* label;
-        QStringList sent;
-        int fullEdition; // vars.spRet afterwards; -1: left as it was
-    } cases[] = {{"06/00/00/", "", 6, "...", {"a/"}, -1}, // the label is left as it was
-                 {"00/00/00/77/x/CCQ/", "", 0, "Mirka [CCQ77]", {"a/"}, 1},
-                 {"00/00/00/77/x/ccq/", "", 0, "Ταμειακή [ccq77]", {"a/"}, -1},
-                 // A later failure leaves the former register's name standing.
-                 {"06/00/00/", "", 6, "Ταμειακή [ccq77]", {"a/"}, -1},
-                 // A Delta whose edition refuses the probe's title is the full one.
-                 {"00/00/00/123/x/DNT/", "06/00/00/", 0, "Delta [DNT123]", {"a/", probe}, 1},
-                 {"00/00/00/123/x/DNT/", "00/00/00/", 0, "Delta Rest [DNT123]",
-                  {"a/", probe, "&/0/290//////////////", "5/1/0.00////"}, 0}};
-    for (const auto& c : cases) {
-        sent.clear();
-        replies["a/"] = {c.answer};
-        replies[probe] = {c.probeAnswer};
-        vars.spRet = !vars.spRet; // what is left as it was shows through
-        const bool before = vars.spRet;
-        link.OpenDeviceLink("127.0.0.1:9101", status, reply, false);
-        EXPECT_EQ(status, c.status);
-        EXPECT_EQ(form.label2(), c.label);
-        EXPECT_EQ(vars.DeviceLabel, c.label);
-        EXPECT_EQ(sent, c.sent);
-        EXPECT_EQ(link.isConnected(), c.status == 0);
-        EXPECT_EQ(vars.spRet, c.fullEdition < 0 ? before : c.fullEdition == 1);
-        link.CloseDeviceLink();
-    }
-}
 
 TEST_F(DeviceSessionTest, VersionInfoOpensAsksAndClosesAgain)
 {
