@@ -36,21 +36,15 @@ TEST(MailSettings, ReadsEveryKeyOfTheSmtpSection)
 
 TEST(MailSettings, MissingPortFollowsTheSecurityAndMissingSecurityIsNone)
 {
-    const struct {
-        const char* security;
-        MailSecurity expected;
-        int port;
-    } rows[] = {
-        {"", MailSecurity::None, 25},
-        {"security = none\n", MailSecurity::None, 25},
-        {"security = starttls\n", MailSecurity::StartTls, 587},
-        {"security = tls\n", MailSecurity::Tls, 465},
-    };
-    for (const auto& row : rows) {
-        const Parsed p = parse(QByteArray("[smtp]\nhost = h\nfrom = f@x.gr\nport =\n") + row.security);
+    const QStringList securities = {"None", "StartTls", "Tls"};
+    const QStringList rows = golden(QStringLiteral("config/mail-ini.txt"), QStringLiteral("missing port"));
+    ASSERT_EQ(rows.size(), 5);
+    for (const QString& row : rows.mid(1)) {
+        const QStringList cell = row.split(u'\t');
+        const Parsed p = parse(("[smtp]\nhost = h\nfrom = f@x.gr\nport =\n" + cell[0] + "\n").toUtf8());
         EXPECT_EQ(std::tuple(p.status, p.settings.security, p.settings.port, p.settings.effectivePort(), p.settings.user),
-                  std::tuple(0, row.expected, 0, row.port, QString()))
-            << row.security;
+                  std::tuple(0, MailSecurity(securities.indexOf(cell[1])), 0, cell[2].toInt(), QString()))
+            << row.toStdString();
     }
 }
 
