@@ -21,7 +21,7 @@ protected:
     }
 };
 
-TEST_F(VatFileTest, RatesAreLittleEndianDoublesAndTheFormsWriterLeavesTheTail)
+TEST_F(VatFileTest, RatesAreLittleEndianDoublesTheFormsWriterLeavesTheTailAndARateFindsItsCategory)
 {
     ASSERT_EQ(WriteVatsFile(path, {6, 13, 24, 0, 0, 0}), 0);
     QByteArray file = bytes();
@@ -34,9 +34,18 @@ TEST_F(VatFileTest, RatesAreLittleEndianDoublesAndTheFormsWriterLeavesTheTail)
     EXPECT_EQ(VatRateOfCategory(path, 0), 5.5);
     EXPECT_EQ(VatRateOfCategory(path, 4), 9.0);
     EXPECT_EQ(VatRateOfCategory(path, 5), 0.0);
+
+    // A rate's category is the first that holds it exactly, under any locale.
+    ASSERT_EQ(WriteVatsFile(path, {24, 13, 13, 6.5, 0, 0}), 0);
+    for (const QLocale& locale : {kGreek, kEnglish}) {
+        EXPECT_EQ(VatCategoryOfRate(path, 13, locale), 2);
+        EXPECT_EQ(VatCategoryOfRate(path, 13.5, locale), 0);
+        EXPECT_EQ(VatCategoryOfRate(path, 6.5, locale), 4);
+        EXPECT_EQ(VatCategoryOfRate(path, 0, locale), 5);
+    }
 }
 
-TEST_F(VatFileTest, AMissingOrShortFileReadsAsZeros)
+TEST_F(VatFileTest, AMissingOrShortFileReadsAsZerosAndAnUnreadableOneFails)
 {
     VatRates rates{1, 1, 1, 1, 1};
     EXPECT_EQ(ReadVatsFile(path, rates), 0);
@@ -50,28 +59,14 @@ TEST_F(VatFileTest, AMissingOrShortFileReadsAsZeros)
     EXPECT_EQ(ReadVatsFile(path, rates), 0);
     EXPECT_EQ(rates[0], 24.0);
     EXPECT_EQ(VatRateOfCategory(path, 2), 0.0);
-}
 
-TEST_F(VatFileTest, AnUnreadableFileFailsAndItsRatesReadZero)
-{
+    ASSERT_TRUE(QFile::remove(path));
     QDir(dir.path()).mkdir("vats.dat"); // a directory where the file should be
-    VatRates rates{};
     EXPECT_EQ(ReadVatsFile(path, rates), -1);
     EXPECT_EQ(WriteVatsFile(path, {1, 2, 3, 4, 5}), -1);
     EXPECT_EQ(VatRateOfCategory(path, 0), 0.0);
     EXPECT_EQ(VatCategoryOfRate(path, 13), 0);
     EXPECT_EQ(VatCategoryOfRate(path, 0), 1);
-}
-
-TEST_F(VatFileTest, CategoryOfRateFindsTheFirstExactMatchUnderAnyLocale)
-{
-    ASSERT_EQ(WriteVatsFile(path, {24, 13, 13, 6.5, 0, 0}), 0);
-    for (const QLocale& locale : {kGreek, kEnglish}) {
-        EXPECT_EQ(VatCategoryOfRate(path, 13, locale), 2);
-        EXPECT_EQ(VatCategoryOfRate(path, 13.5, locale), 0);
-        EXPECT_EQ(VatCategoryOfRate(path, 6.5, locale), 4);
-        EXPECT_EQ(VatCategoryOfRate(path, 0, locale), 5);
-    }
 }
 
 TEST(VatBoxes, PointsBecomeCommasAndEveryBoxMustBeANumber)
