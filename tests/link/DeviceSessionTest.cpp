@@ -14,7 +14,6 @@
 namespace {
 
 const QString kPlu = QStringLiteral("3/S/A//1.000/1.00/1/24.00/");
-const QString kCard = QStringLiteral("5/3/9.00////2/1/");
 const SendOptions kCardOptions{.timeoutSeconds = 301, .logMode = SendOptions::kLogModeCard,
                                .sendOnce = true};
 
@@ -62,9 +61,19 @@ TEST_P(ScriptedSession, LeavesTheCourseItsSectionHolds)
             expected << line;
         else if (verb == u"open")
             open(word[0]);
-        else if (verb == u"reply") // the command may hold blanks, the answers never
-            replies[line.section(QStringLiteral(" = "), 0, 0).mid(6)] =
-                std::deque<QString>(word.begin() + word.indexOf(QStringLiteral("=")) + 1, word.end());
+        else if (verb == u"reply") { // the command may hold blanks, the answers never
+            std::deque<QString>& answers = replies[line.section(QStringLiteral(" = "), 0, 0).mid(6)];
+            answers.clear();
+            for (const QString& answer : word.mid(word.indexOf(QStringLiteral("=")) + 1))
+                answers.insert(answers.end(), qMax(1, answer.section(u'*', 1).toInt()), answer.section(u'*', 0, 0));
+        } else if (verb == u"answer-after")
+            answerAfterMs[word[0]] = word[1].toLongLong();
+        else if (line == u"silent")
+            factory.made.last()->onWrite = {};
+        else if (line == u"post stop")
+            QTimer::singleShot(0, [this] { vars.Stop = StopCause::Signal; });
+        else if (line == u"set no-stop")
+            vars.Stop = StopCause::None;
         else if (verb == u"connect") {
             link.OpenDeviceLink(word[0], status, reply, false);
             statuses << QString::number(status);
@@ -93,8 +102,8 @@ TEST_P(ScriptedSession, LeavesTheCourseItsSectionHolds)
             events[{word[0], word[1].toInt()}] = word[2];
         else if (line.startsWith(u"set wait-limit "))
             vars.WaitLimitMs = word[1].toLongLong();
-        else if (line == u"stopped")
-            EXPECT_EQ(vars.Stop, StopCause::Signal);
+        else if (verb == u"stopped")
+            EXPECT_EQ(vars.Stop, word.value(0) == u"by-wait-limit" ? StopCause::WaitLimit : StopCause::Signal);
         else if (verb == u"said")
             EXPECT_EQ(reply, line.mid(5));
         else if (verb == u"label")
@@ -105,6 +114,8 @@ TEST_P(ScriptedSession, LeavesTheCourseItsSectionHolds)
             EXPECT_EQ(timeout, word[0].toInt());
         else if (verb == u"clock-at-least")
             EXPECT_GE(clock.monotonicMs(), word[0].toLongLong());
+        else if (verb == u"clock-below")
+            EXPECT_LT(clock.monotonicMs(), word[0].toLongLong());
         else if (verb == u"logged")
             EXPECT_TRUE(logBytes().contains(line.mid(6).toUtf8() + "\r\n")) << line.toStdString();
         else
@@ -157,18 +168,6 @@ TEST_F(DeviceSessionTest, WhatReachesTheSessionWhileTheWaitWindowPollsIsRefused)
     EXPECT_EQ(course(), golden("link/session.txt", "WhatReachesTheSessionWhileTheWaitWindowPollsIsRefused"));
 }
 
-TEST_F(DeviceSessionTest, ALinkNeverOpenedIsLostAndASilentRegisterGivesNoReply)
-{
-    // A serial port object before any opening: nothing answers the ENQ.
-    const DeviceReply unopened = link.send("?/", {.quiet = true});
-    EXPECT_EQ(std::pair(unopened.status(), unopened.outcome()), std::pair(qint16(-207), ReplyOutcome::LinkLost));
-
-    open();
-    factory.made.last()->onWrite = {};
-    const DeviceReply silent = link.send("?/", {.quiet = true});
-    EXPECT_EQ(std::pair(silent.status(), silent.outcome()), std::pair(qint16(-4), ReplyOutcome::NoReply));
-}
-
 TEST_F(DeviceSessionTest, WithoutALimitTheWindowWaitsUntilTheRegisterClearsAndALimitCountsOverTheResends)
 {
     open();
@@ -197,64 +196,6 @@ TEST_F(DeviceSessionTest, WithoutALimitTheWindowWaitsUntilTheRegisterClearsAndAL
     EXPECT_EQ(course().filter(QRegularExpression("^window open ")).size(), course().count("window close"));
     ASSERT_EQ(results.lines.size(), 1);
     EXPECT_TRUE(results.lines[0].startsWith("Err = 44, "));
-}
-
-TEST_F(DeviceSessionTest, ASlowTerminalIsAwaitedOnceAndASilentOneIsNeverAskedTwiceOnEitherLine)
-{
-    for (const QString portName : {"127.0.0.1:9101", "com1"}) {
-        open(portName);
-        answerAfterMs[kCard] = 40000;
-        EXPECT_TRUE(link.send(kCard, kCardOptions).ok()) << portName.toStdString();
-        EXPECT_EQ(sent.count(kCard), 1);
-
-        sent.clear();
-        answerAfterMs[kCard] = -1;
-        const qint64 start = clock.monotonicMs();
-        const DeviceReply lost = link.send(kCard, kCardOptions);
-        EXPECT_EQ(lost.status(), -4);
-        EXPECT_EQ(lost.outcome(), ReplyOutcome::NoReply);
-        EXPECT_EQ(sent.count(kCard), 1);
-        if (link.tcpPort()) {
-            EXPECT_NEAR(double(clock.monotonicMs() - start), 301000.0, 1500.0);
-        }
-        link.CloseDeviceLink();
-    }
-}
-
-// The zero payment's wait (WaitForRegister) ends as the device-wait window
-// does: a stop that comes through the event loop, as a signal's does, or the
-// command-line life's wait limit ends it without another try. The register
-// answers paper end (44) forty times, then clears.
-TEST_F(DeviceSessionTest, TheZeroPaymentsWaitEndsOnAPostedStopOrTheWaitLimitButWaitsOutACardPayment)
-{
-    const QString zero = QStringLiteral("5/1/0.00////");
-    for (const bool posted : {true, false}) {
-        vars.Stop = StopCause::None;
-        open();
-        replies[zero] = std::deque<QString>(39, "2C/00/00/");
-        replies[zero].push_back("00/00/00/");
-        if (posted)
-            QTimer::singleShot(0, [this] { vars.Stop = StopCause::Signal; });
-        else
-            vars.WaitLimitMs = 10000;
-        const qint64 start = clock.monotonicMs();
-        EXPECT_EQ(WaitForRegister(link, op, clock), 44);
-        if (posted) {
-            EXPECT_EQ(sent.count(zero), 1) << "asked again after the stop";
-        } else {
-            EXPECT_GE(clock.monotonicMs() - start, vars.WaitLimitMs);
-            EXPECT_LT(sent.count(zero), 40);
-        }
-        EXPECT_EQ(vars.Stop, posted ? StopCause::Signal : StopCause::WaitLimit);
-    }
-    const QStringList window = course().filter(QRegularExpression("^window "));
-    EXPECT_EQ(window.mid(0, 2), QStringList({"window open Μήνυμα Ταμειακής (Αναμονή ολοκλήρωσης ταμειακής) / Status [44] / "
-                                             "Τέλος Χαρτοταινίας  'PAPEREND' !",
-                                             "window close"}));
-    // While a card payment runs nothing gives the wait up.
-    vars.EftBusy = true;
-    EXPECT_EQ(WaitForRegister(link, op, clock), 0);
-    EXPECT_EQ(sent.count(zero), 40);
 }
 
 } // namespace

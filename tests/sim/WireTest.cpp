@@ -1,4 +1,3 @@
-#include "DataFile.h"
 #include "FaultScript.h"
 #include "LineTiming.h"
 #include "SerialWire.h"
@@ -43,14 +42,14 @@ TEST_F(SimWire, SerialAnswersEnqFramesAndNacksWrongDigitsAmidNoise)
     EXPECT_EQ(t.read(255), QByteArray("\x02" "00/00/10/" "\x03"));
 }
 
-// Rows of sim/whole-commands.txt: whole or open, a tab, what the wire holds.
 TEST_F(SimWire, TcpKnowsAWholeCommandByTheLongestFormOfItsCodeClosedByItsSlash)
 {
-    const QStringList rows = DataLines("sim/whole-commands.txt");
-    ASSERT_EQ(rows.size(), 16);
-    for (const QString& row : rows)
-        EXPECT_EQ(reg.isWholeCommand(codepage::toWin1253(row.section(u'\t', 1))), row.startsWith(u"whole"))
-            << qPrintable(row);
+    for (const char* whole : {"?/", "a/", "d/3/", "3/S/ΚΑΦΕΣ//1.000/2.00/1/24.00/", "5/1/6.50/ΜΕΤΡΗΤΑ//////",
+                              "x/1/1/99999/", "&/11/4//0/0///////////"})
+        EXPECT_TRUE(reg.isWholeCommand(codepage::toWin1253(QString::fromUtf8(whole)))) << whole;
+    for (const char* open : {"d/3", "I/0/0", "I/0/", "5/1/0.00////", "x/2/1/", "3/S/ΚΑΦΕΣ//1.000/2.00/1/", "?/?/",
+                             "Q/", "&/11/4//0/0//////////"})
+        EXPECT_FALSE(reg.isWholeCommand(codepage::toWin1253(QString::fromUtf8(open)))) << open;
 }
 
 TEST_F(SimWire, TcpAnswersAWholeCommandAtOnceAndWaitsForQuietOnlyWhereItCannotTell)
